@@ -1,0 +1,26 @@
+// Conversion between UTF-16 and UTF-8 (RFC 3629).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/strings.h"
+
+// Appends `text` to `bytes` as UTF-8. Surrogate pairs become four bytes; an unpaired surrogate
+// becomes U+FFFD (EF BF BD), so the result is always valid UTF-8.
+void AppendUtf8(StringView text, std::string& bytes);
+
+std::string ToUtf8(StringView text);
+
+// Strict decoding: replaces `text` with the characters of `bytes` and returns true. On any invalid
+// sequence (overlong, surrogate, above U+10FFFF, cut short) returns false; `text` is then what had
+// been decoded so far.
+bool FromUtf8(std::string_view bytes, String& text);
+
+// Decodes bytes that name something in the system (a path, an argument, a variable). A byte that
+// is not part of valid UTF-8 becomes the unpaired surrogate U+DC00 + byte, so that ToNativeBytes
+// can give it back unchanged.
+String FromNativeBytes(std::string_view bytes);
+
+// The inverse of FromNativeBytes: UTF-8, with every U+DC80 to U+DCFF that stands alone as its byte.
+std::string ToNativeBytes(StringView text);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "base/strings.h"
+#include "config/section_settings.h"
+#include "core/row_set.h"
+
+namespace Quillon {
+class Logger;
+}
+
+namespace DataConsumers {
+
+// The target of a step: takes the rows that its source delivers.
+class DataConsumer {
+public:
+    virtual ~DataConsumer() = default;
+
+    // Makes the target of the section's `Type`, any letter case, in place of what `consumer` held.
+    // Does not open it. An empty type is no failure: `consumer` is then null, after the warning
+    // "Warning (step %d): no target defined properly. Execute the source only." (steps from 0).
+    // Fails with "Incorrect type for target '%s'.".
+    static bool Create(String& error, const SectionSettings& settings,
+                       std::unique_ptr<DataConsumer>& consumer, Quillon::Logger& logger,
+                       std::size_t step);
+
+    // Reads every setting, opens the output and sets the written size to 0.
+    virtual bool Open(String& error, const SectionSettings& settings) = 0;
+    // Writes what precedes the rows of a result set, once its columns are known.
+    virtual bool Prepare(String& error, RowSet& rows) = 0;
+    // Writes the current row; values of removed columns are left out.
+    virtual bool Write(String& error, RowSet& rows) = 0;
+    // Ends a result set because another one follows. False also when the new rows simply continue
+    // the output, without another Prepare.
+    virtual bool NextResultSet(String& error, const SectionSettings& settings) = 0;
+    // Finishes the output.
+    virtual bool Close(String& error) = 0;
+
+    // Bytes of text written since Open, byte-order marks not counted; rows for database targets.
+    std::uint64_t WrittenSize() const { return written_size_; }
+
+protected:
+    std::uint64_t written_size_ = 0;
+};
+
+}  // namespace DataConsumers

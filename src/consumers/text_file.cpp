@@ -1,0 +1,165 @@
+#include "consumers/text_file.h"
+
+#include "base/activity_trail.h"
+#include "files/format.h"
+#include "files/text.h"
+#include "platform/console.h"
+#include "platform/file_system.h"
+
+namespace DataConsumers {
+namespace {
+
+bool IsConsoleName(StringView name) { return name == u"STDOUT" || name == u"CONSOLE"; }
+
+String DelimiterOf(const String& setting) {
+    return setting == u"tab" || setting == u"<tab>" ? u"\t" : setting;
+}
+
+}  // namespace
+
+bool TextFile::Open(String& error, const SectionSettings& settings) {
+    const ScopedState state(u"TextFile::Open");
+    written_size_ = 0;
+    console_characters_ = 0;
+    const String name = settings.ResolvedText(u"Name");
+    encoding_ = EncodingFromWord(settings.Text(u"Encoding"));
+    const String quotation = settings.Text(u"QuotationMode");
+    quotation_ = text::EqualsIgnoringCase(quotation, u"ByValue")  ? Quotation::ByValue
+                 : text::EqualsIgnoringCase(quotation, u"Always") ? Quotation::Always
+                                                                  : Quotation::Never;
+    end_of_line_ = settings.Text(u"EndOfLine", u"CRLF") == u"LF" ? u"\n" : u"\r\n";
+    delimiter_ = DelimiterOf(settings.Text(u"Delimiter", u"tab"));
+    header_ = settings.Flag(u"Header", false);
+    overwrite_ = settings.Flag(u"Overwrite", false);
+    null_is_empty_ = settings.Flag(u"NullIsEmptyString", false);
+    quote_ = settings.Text(u"QuoteChar", u"\"");
+    fixed_width_ = settings.Flag(u"FixedWidth", false);
+    one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
+
+    const bool existed = platform::PathExists(name);
+    header_pending_ = header_ && (overwrite_ || !existed);
+    header_delayed_ = false;
+    return OpenOutput(error, name);
+}
+
+bool TextFile::OpenOutput(String& error, const String& name) {
+    console_ = IsConsoleName(name);
+    if (console_) {
+        terminal_ = platform::StandardOutputIsTerminal();
+        return true;
+    }
+    ErrorRecord open_error;
+    if (file_.Open(open_error, name, encoding_, !overwrite_)) return true;
+    error = open_error.text;
+    return false;
+}
+
+bool TextFile::Prepare(String& error, RowSet& rows) {
+    const ScopedState state(u"TextFile::Prepare");
+    if (!header_pending_) return true;
+    header_pending_ = false;
+    ComposeHeader(rows);
+    if (!fixed_width_) return WriteLine(error);
+    header_delayed_ = true;
+    delayed_header_ = line_;
+    return true;
+}
+
+void TextFile::ComposeHeader(const RowSet& rows) {
+    line_.clear();
+    bool first = true;
+    for (const ColumnDefinition& column : rows.Columns) {
+        if (!column.Included) continue;
+        AppendField(column.Name, column, first);
+        first = false;
+    }
+    line_ += end_of_line_;
+}
+
+void TextFile::AppendField(StringView value, const ColumnDefinition& column, bool first) {
+    if (fixed_width_) {
+        line_ += value;  // whole, even when it is longer than the widest text seen
+        if (value.size() < column.MaxWidth) line_.append(column.MaxWidth - value.size(), u' ');
+        return;
+    }
+    if (!first) line_ += delimiter_;
+    const bool quoted =
+        quotation_ == Quotation::Always ||
+        (quotation_ == Quotation::ByValue && value.find(delimiter_) != StringView::npos);
+    if (quoted) line_ += quote_;
+    line_ += value;
+    if (quoted) line_ += quote_;
+}
+
+bool TextFile::Write(String& error, RowSet& rows) {
+    if (rows.Row.size() != rows.Columns.size()) {
+        error = Format(u"TextFile: Broken row structure [Values: %d, Structure: %d for '%s']",
+                       rows.Row.size(), rows.Columns.size(), rows.TableName);
+        return false;
+    }
+    if (header_delayed_) {
+        ComposeHeader(rows);
+        delayed_header_ = line_;
+        if (!WriteDelayedHeader(error)) return false;
+    }
+    line_.clear();
+    bool first = true;
+    for (std::size_t i = 0; i < rows.Row.size(); ++i) {
+        const DataValue& value = rows.Row[i];
+        if (!value.Included) continue;
+        const StringView null_text = null_is_empty_ ? u"" : u"NULL";
+        AppendField(value.IsNull ? null_text : StringView(value.Text), rows.Columns[i], first);
+        first = false;
+    }
+    line_ += end_of_line_;
+    return WriteLine(error);
+}
+
+bool TextFile::WriteDelayedHeader(String& error) {
+    if (!header_delayed_) return true;
+    header_delayed_ = false;
+    line_ = delayed_header_;
+    return WriteLine(error);
+}
+
+bool TextFile::WriteLine(String& error) {
+    if (console_) return WriteToConsole();
+    ErrorRecord write_error;
+    std::size_t size = 0;
+    const bool written = file_.Write(write_error, line_, &size);
+    if (!written) {
+        error = write_error.text;
+        return false;
+    }
+    written_size_ += size;
+    return true;
+}
+
+// The line is a format text without arguments: "%%" stands for one percent sign. Directives that
+// want an argument find none and stay as they are.
+bool TextFile::WriteToConsole() {
+    console_characters_ += line_.size();
+    text::ReplaceAll(line_, u"%%", u"%");
+    if (terminal_) return platform::WriteOutputText(line_);
+    std::span<const std::byte> bytes;
+    return console_encoder_.Encode(line_, encoding_, bytes) && platform::WriteStandardOutput(bytes);
+}
+
+bool TextFile::NextResultSet(String& error, const SectionSettings& settings) {
+    if (!WriteDelayedHeader(error)) return false;
+    if (one_file_per_result_set_) {
+        if (!Close(error)) return false;
+        if (!OpenOutput(error, settings.ResolvedText(u"Name", u"CONSOLE"))) return false;
+    }
+    line_.clear();
+    if (header_) header_pending_ = true;
+    return true;
+}
+
+bool TextFile::Close(String& error) {
+    const bool header_written = WriteDelayedHeader(error);
+    if (!console_) file_.Close();
+    return header_written;
+}
+
+}  // namespace DataConsumers

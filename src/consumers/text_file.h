@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+
+#include "consumers/data_consumer.h"
+#include "files/dfile.h"
+
+namespace DataConsumers {
+
+// Writes each row as one line, delimited or of fixed width, to a file or the console.
+//
+//     Name<TAB>Price
+//     Blue "sky"<TAB>12.50
+//
+// Quote characters and line breaks inside a value are written as they are.
+class TextFile final : public DataConsumer {
+public:
+    bool Open(String& error, const SectionSettings& settings) override;
+    bool Prepare(String& error, RowSet& rows) override;
+    // "TextFile: Broken row structure [Values: %d, Structure: %d for '%s']", or the file layer's
+    // messages.
+    bool Write(String& error, RowSet& rows) override;
+    bool NextResultSet(String& error, const SectionSettings& settings) override;
+    bool Close(String& error) override;
+
+private:
+    enum class Quotation { Never, ByValue, Always };
+
+    bool OpenOutput(String& error, const String& name);
+    void AppendField(StringView value, const ColumnDefinition& column, bool first);
+    void ComposeHeader(const RowSet& rows);
+    bool WriteDelayedHeader(String& error);
+    bool WriteLine(String& error);
+    bool WriteToConsole();
+
+    Encoding encoding_ = Encoding::Ansi;
+    Quotation quotation_ = Quotation::Never;
+    String end_of_line_;
+    String delimiter_;
+    String quote_;
+    bool header_ = false;
+    bool overwrite_ = false;
+    bool null_is_empty_ = false;
+    bool fixed_width_ = false;
+    bool one_file_per_result_set_ = false;
+
+    bool console_ = false;
+    bool header_pending_ = false;  // the next Prepare brings the header
+    bool header_delayed_ = false;  // Prepare came, but the widths are known with the first row only
+    String delayed_header_;        // the header as it stands should no row come
+    std::uint64_t console_characters_ = 0;
+    bool terminal_ = false;  // the console is a terminal and takes text
+    dFile file_;
+    TextEncoder console_encoder_;
+    String line_;  // reused, so a row costs no allocation
+};
+
+}  // namespace DataConsumers

@@ -1,0 +1,63 @@
+#include "files/text.h"
+
+#include <algorithm>
+#include <cwctype>
+#include <limits>
+
+namespace text {
+namespace {
+
+bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+std::wint_t Lower(char16_t unit) { return std::towlower(static_cast<std::wint_t>(unit)); }
+
+}  // namespace
+
+StringView Trim(StringView value, StringView characters) {
+    const std::size_t first = value.find_first_not_of(characters);
+    if (first == StringView::npos) return {};
+    return value.substr(first, value.find_last_not_of(characters) - first + 1);
+}
+
+StringView StripQuotes(StringView value) {
+    const bool quoted = value.size() >= 2 && value.front() == u'"' && value.back() == u'"';
+    return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+bool EqualsIgnoringCase(StringView left, StringView right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char16_t a, char16_t b) { return Lower(a) == Lower(b); });
+}
+
+void ReplaceAll(String& value, StringView from, StringView to) {
+    if (from.empty()) return;
+    for (std::size_t at = value.find(from); at != String::npos;
+         at = value.find(from, at + to.size())) {
+        value.replace(at, from.size(), to);
+    }
+}
+
+std::int64_t ToInteger(StringView value) {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    const std::size_t start = std::min(value.find_first_not_of(kBlanksAndLineEnds), value.size());
+    value.remove_prefix(start);
+    const bool negative = value.starts_with(u'-');
+    if (negative || value.starts_with(u'+')) value.remove_prefix(1);
+    std::int64_t number = 0;
+    for (const char16_t unit : value) {
+        if (!IsDigit(unit)) break;
+        const std::int64_t digit = unit - u'0';
+        number = number > (kMost - digit) / 10 ? kMost : number * 10 + digit;
+    }
+    return negative ? -number : number;
+}
+
+String Widen(std::string_view bytes) {
+    String wide(bytes.size(), u'\0');
+    std::transform(bytes.begin(), bytes.end(), wide.begin(), [](char byte) {
+        return static_cast<char16_t>(static_cast<unsigned char>(byte));
+    });
+    return wide;
+}
+
+}  // namespace text

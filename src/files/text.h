@@ -1,0 +1,34 @@
+// Helpers over the program's text.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/strings.h"
+
+namespace text {
+
+constexpr StringView kBlanks = u" \t";
+constexpr StringView kBlanksAndLineEnds = u" \t\r\n";
+
+// `value` without the characters of `characters` at both ends.
+StringView Trim(StringView value, StringView characters);
+
+// `value` without its first and last character when both are a double quote; else as it is.
+StringView StripQuotes(StringView value);
+
+// Compares code unit by code unit, each lowered by the runtime's wide-character lower-casing.
+bool EqualsIgnoringCase(StringView left, StringView right);
+
+// Replaces every `from` in `value`, from left to right; what was inserted is not searched again.
+// An empty `from` replaces nothing.
+void ReplaceAll(String& value, StringView from, StringView to);
+
+// Reads a decimal integer from the start of `value`: leading blanks, a sign and digits; what
+// follows is ignored. 0 without digits; beyond the range of the result its nearest end.
+std::int64_t ToInteger(StringView value);
+
+// One character for each byte, of the byte's value.
+String Widen(std::string_view bytes);
+
+}  // namespace text

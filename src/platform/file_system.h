@@ -1,0 +1,74 @@
+// Files as the program needs them: whole reads, appends that never leave half a record.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "base/error_record.h"
+#include "base/strings.h"
+
+namespace platform {
+
+// True when something (a file, a folder, a device) is found under `name`. Says nothing about the
+// right to read it.
+bool PathExists(const String& name);
+
+// A file, or standard input, open for reading bytes. Destruction closes it.
+class InputFile {
+public:
+    virtual ~InputFile() = default;
+
+    // On failure (a folder counts as one) returns null and `error` holds the system's text and
+    // code.
+    static std::unique_ptr<InputFile> Open(ErrorRecord& error, const String& name);
+    static std::unique_ptr<InputFile> StandardInput();
+
+    // Reads what is there, at most bytes.size(), and waits only when nothing is. Returns the
+    // number of bytes, 0 at the end of the file or after a failure; Failed() tells which.
+    std::size_t Read(std::span<std::byte> bytes);
+    // Reads until `bytes` is full or the file ends.
+    std::size_t ReadFully(std::span<std::byte> bytes);
+    // Hands `bytes` out again before the rest of the file, for files that cannot seek.
+    void PutBack(std::span<const std::byte> bytes);
+    // True once a read has failed.
+    bool Failed() const { return failed_; }
+
+    // The file's length in bytes; 0 for what has no length (a pipe).
+    virtual std::uint64_t Size() = 0;
+
+protected:
+    // Reads at most bytes.size() bytes. Returns the count, 0 at the end, -1 on failure.
+    virtual std::int64_t ReadSome(std::span<std::byte> bytes) = 0;
+
+private:
+    std::vector<std::byte> put_back_;
+    bool failed_ = false;
+};
+
+// A file open for writing. Destruction closes it.
+class OutputFile {
+public:
+    enum class Mode {
+        CreateNew,     // fails when the file exists
+        OpenExisting,  // keeps the content; the position is at the start
+        Truncate,      // an existing file, emptied
+    };
+    virtual ~OutputFile() = default;
+
+    // On failure returns null and `error` holds the system's text and code.
+    static std::unique_ptr<OutputFile> Open(ErrorRecord& error, const String& name, Mode mode);
+
+    // Writes all of `bytes` at the current position. When fewer reach the file (disk full), it is
+    // cut back to where it was, so that it ends with the last whole record; `error` then holds the
+    // system's text and code.
+    virtual bool Write(ErrorRecord& error, std::span<const std::byte> bytes) = 0;
+    // Reads from the start of the file into `bytes`; `count` is how many were there.
+    virtual bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) = 0;
+    // Moves to the end and returns that position; 0 for what has no length.
+    virtual std::uint64_t SeekEnd() = 0;
+};
+
+}  // namespace platform

@@ -1,0 +1,18 @@
+#include "platform/posix/descriptor.h"
+
+#include <cerrno>
+
+namespace platform {
+
+std::size_t WriteFully(int descriptor, std::span<const std::byte> bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        written += static_cast<std::size_t>(count);
+    }
+    return written;
+}
+
+}  // namespace platform

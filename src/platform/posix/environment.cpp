@@ -1,0 +1,42 @@
+#include "platform/environment.h"
+
+#include <langinfo.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "base/utf8.h"
+
+namespace platform {
+namespace {
+
+void PrepareLocale() {
+    std::setlocale(LC_CTYPE, "");
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+}  // namespace
+
+String ProgramDirectory() {
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) return {};
+    return FromNativeBytes((program.parent_path() / "").native());
+}
+
+String EnvironmentVariable(const String& name) {
+    const char* value = std::getenv(ToNativeBytes(name).c_str());
+    return value == nullptr ? String{} : FromNativeBytes(value);
+}
+
+void PrepareProcess() {
+    PrepareLocale();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+}  // namespace platform

@@ -1,0 +1,13 @@
+#include <string>
+
+#include "platform/program_entry.h"
+#include "platform/windows/wide.h"
+
+int wmain(int count, wchar_t** values) {
+    std::vector<String> arguments;
+    for (int i = 1; i < count; ++i) {
+        arguments.emplace_back(
+            platform::FromWide(values[i], std::char_traits<wchar_t>::length(values[i])));
+    }
+    return ProgramMain(arguments);
+}

@@ -1,0 +1,139 @@
+#include "providers/text_file.h"
+
+#include <algorithm>
+
+#include "files/format.h"
+#include "files/text.h"
+#include "platform/file_system.h"
+
+namespace DataProviders {
+namespace {
+
+// ODBC type codes of the columns; see the ODBC reference, "SQL data types".
+constexpr std::int32_t kSqlInteger = 4;
+constexpr std::int32_t kSqlFloat = 6;
+constexpr std::int32_t kSqlWVarchar = -9;
+
+struct ColumnType {
+    StringView word;
+    StringView type_name;
+    std::int32_t data_type;
+    StringView literal_mark;  // prefix and suffix
+};
+
+constexpr ColumnType kColumnTypes[] = {
+    {u"integer", u"integer", kSqlInteger, u""},
+    {u"short", u"integer", kSqlInteger, u""},
+    {u"number", u"number", kSqlFloat, u""},
+    {u"float", u"number", kSqlFloat, u""},
+};
+constexpr ColumnType kTextColumn = {u"", u"varchar", kSqlWVarchar, u"'"};
+
+const ColumnType& TypeOf(StringView word) {
+    for (const ColumnType& type : kColumnTypes) {
+        if (type.word == word) return type;
+    }
+    return kTextColumn;
+}
+
+char16_t DelimiterOf(StringView setting) {
+    const bool tab = setting.empty() || setting == u"tab" || setting == u"<tab>";
+    return tab ? u'\t' : setting.front();
+}
+
+}  // namespace
+
+bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+    if (!OpenInput(error, settings)) return false;
+    ReadLayout(settings);
+    line_pending_ = false;
+    if (header_) {
+        if (!file_.ReadLine(line_)) return false;
+        Split(OuterQuotes::Keep);
+    }
+    if (!rows.Columns.empty()) return true;  // opened again: the columns stay
+    if (!header_) {
+        // The columns are counted on the first line of data, which is delivered all the same.
+        line_pending_ = ReadDataLine();
+        if (!line_pending_) return true;
+        Split(OuterQuotes::Strip);
+    }
+    DescribeColumns(rows);
+    return true;
+}
+
+bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
+    String name = settings.Text(u"Name");
+    if (name.empty()) {
+        error = u"'Name' parameter not specified.";
+        return false;
+    }
+    console_ = text::EqualsIgnoringCase(name, u"CONSOLE");
+    if (!console_ && !platform::PathExists(name)) {  // looked for before macros are replaced
+        error = Format(u"File '%s' does not exist or inaccessible.", name);
+        return false;
+    }
+    settings.ResolveUserMacros(name);
+    file_.SetConsoleInput(console_);
+    ErrorRecord open_error;
+    if (file_.OpenForReading(open_error, name)) return true;
+    error = open_error.text;
+    return false;
+}
+
+void TextFile::ReadLayout(const SectionSettings& settings) {
+    const String words = settings.Text(u"DataTypes");
+    std::vector<StringView> fields;
+    if (!words.empty()) SplitLine(words, u',', {}, OuterQuotes::Strip, fields);
+    type_words_.assign(fields.begin(), fields.end());
+    const String comment = settings.Text(u"CommentChar");
+    has_comments_ = !comment.empty();
+    if (has_comments_) comment_ = comment.front();
+    skip_incomplete_lines_ = settings.Flag(u"SkipIncompleteLines", true);
+    quote_ = settings.Text(u"Quote", u"\"");
+    header_ = settings.Flag(u"Header", true);
+    delimiter_ = DelimiterOf(settings.Text(u"Delimiter", u"tab"));
+}
+
+void TextFile::DescribeColumns(RowSet& rows) const {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        const ColumnType& type = i < type_words_.size() ? TypeOf(type_words_[i]) : kTextColumn;
+        ColumnDefinition column(header_ ? String(fields_[i]) : Format(u"Column%d", i + 1),
+                                type.data_type, String(type.type_name), 0);
+        column.LiteralPrefix = column.LiteralSuffix = type.literal_mark;
+        rows.Columns.push_back(std::move(column));
+    }
+}
+
+// The next line that is no comment.
+bool TextFile::ReadDataLine() {
+    do {
+        if (!file_.ReadLine(line_)) return false;
+    } while (has_comments_ && line_.starts_with(comment_));
+    return true;
+}
+
+bool TextFile::Fetch(String& error, RowSet& rows, bool /*track_widths*/) {
+    do {
+        if (!line_pending_ && !ReadDataLine()) {
+            if (file_.ReadFailed()) error = u"Could not read the file to its end.";
+            return false;
+        }
+        line_pending_ = false;
+        Split(OuterQuotes::Strip);
+    } while (skip_incomplete_lines_ && fields_.size() < rows.Columns.size());
+    if (rows.Row.empty()) rows.GrowRow(fields_.size());
+    const std::size_t count = std::min(fields_.size(), rows.Row.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        DataValue& value = rows.Row[i];
+        value.Text.assign(fields_[i]);
+        const bool text_column =
+            i >= rows.Columns.size() || rows.Columns[i].DataType == kSqlWVarchar;
+        value.IsNull = fields_[i].empty() && !text_column;
+    }
+    return true;
+}
+
+bool TextFile::Close() { return file_.Close(); }
+
+}  // namespace DataProviders

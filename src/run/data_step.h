@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "base/strings.h"
+#include "config/configuration.h"
+#include "config/section_settings.h"
+#include "consumers/data_consumer.h"
+#include "core/row_set.h"
+#include "platform/clock.h"
+#include "providers/data_provider.h"
+#include "transformers/data_transformer.h"
+
+namespace Quillon {
+class Logger;
+}
+
+// What a step needs to know of the run that it belongs to.
+struct RunOptions {
+    bool silent = false;         // no progress, no statistics
+    bool stop_on_error = true;   // a failed preparation ends the run
+    std::uint64_t start_ms = 0;  // tick at the start of the run
+};
+
+// Moves the data of one step: source, transformers, target.
+class DataStep {
+public:
+    // index: of the step, from 0. All references outlive the step.
+    DataStep(Configuration& configuration, std::size_t index, const RunOptions& options,
+             Quillon::Logger& logger, const platform::Clock& clock);
+
+    // Runs the step whole and writes its statistics. False when it ended the run; the failure has
+    // then been written through the logger.
+    bool Run(String& error);
+
+private:
+    bool PrepareAll(String& error);
+    bool OpenSource(String& error);
+    bool CreateTarget(String& error);
+    bool CreateTransformers(String& error);
+    bool OpenTarget(String& error);
+    bool TransformColumns(String& error);
+    bool Tolerated(String& error);
+
+    void MeasureWidths(String& error);
+    bool MoveRows(String& error);
+    bool MoveRow(String& error);
+    bool NextResultSet(String& error);
+    bool TransformRow(String& error);
+    void ShowProgress() const;
+    void WriteStatistics(String& error, std::uint64_t processing_ms) const;
+
+    Configuration& configuration_;
+    const std::size_t index_;
+    const RunOptions options_;
+    Quillon::Logger& logger_;
+    const platform::Clock& clock_;
+    const SectionSettings source_settings_;
+    const SectionSettings target_settings_;
+    std::uint64_t progress_interval_ = 0;  // rows between two dots, 0 for none
+
+    // Destroyed from the last to the first.
+    RowSet rows_;
+    std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
+    std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
+    std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
+    std::uint64_t items_ = 0;
+};

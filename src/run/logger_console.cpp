@@ -1,0 +1,18 @@
+#include "run/logger_console.h"
+
+#include "platform/console.h"
+
+namespace Quillon {
+
+bool LoggerConsole::Open(String&, const String&, bool) { return true; }
+
+bool LoggerConsole::Write(String&, StringView message, int) {
+    String line(message);
+    line += platform::LineEnd();
+    platform::WriteOutputText(line);
+    return true;
+}
+
+bool LoggerConsole::Close() { return true; }
+
+}  // namespace Quillon

@@ -1,0 +1,390 @@
+#include "storages/odbc_database.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+
+#include "files/format.h"
+#include "files/text.h"
+#include "platform/odbc.h"
+
+namespace DataStorages {
+namespace {
+
+constexpr std::size_t kMessageCharacters = 512;
+constexpr std::size_t kStateCharacters = 5;
+constexpr std::size_t kLastErrorCharacters = 543;
+constexpr std::size_t kConnectOutputCharacters = 388;
+constexpr std::size_t kAttributeBufferBytes = 255;
+
+// ODBC takes texts that it does not change through pointers to non-constant units.
+SQLWCHAR* ToOdbc(const char16_t* text) {
+    return reinterpret_cast<SQLWCHAR*>(
+        const_cast<char16_t*>(text));  // NOLINT(*-const-cast): see above
+}
+SQLWCHAR* ToOdbc(const String& text) { return ToOdbc(text.c_str()); }
+
+bool Succeeded(SQLRETURN result) {
+    return result == SQL_SUCCESS || result == SQL_SUCCESS_WITH_INFO;
+}
+
+void FreeHandle(SQLSMALLINT type, void*& handle) {
+    if (handle != nullptr) SQLFreeHandle(type, handle);
+    handle = nullptr;
+}
+
+// The text in a buffer that a driver was to end with a zero.
+template <std::size_t N>
+String TextOf(const std::array<char16_t, N>& buffer) {
+    return {buffer.begin(), std::find(buffer.begin(), buffer.end(), u'\0')};
+}
+
+// Literals of these types stand in quotes unless the driver says otherwise.
+bool IsQuotedType(std::int32_t type) {
+    switch (type) {
+        case SQL_UNKNOWN_TYPE:
+        case SQL_CHAR:
+        case SQL_VARCHAR:
+        case SQL_LONGVARCHAR:
+        case SQL_WCHAR:
+        case SQL_WVARCHAR:
+        case SQL_WLONGVARCHAR:
+        case SQL_DATETIME:
+        case SQL_TYPE_DATE:
+        case SQL_TYPE_TIME:
+        case SQL_TYPE_TIMESTAMP:
+        case SQL_BINARY:
+        case SQL_VARBINARY:
+        case SQL_LONGVARBINARY:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+ODBCDatabase::ODBCDatabase()
+    : value_buffer_(std::make_unique_for_overwrite<char16_t[]>(
+          static_cast<std::size_t>(kValueBufferBytes) / sizeof(char16_t) + 1)) {
+    if (!Succeeded(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_))) {
+        environment_ = nullptr;
+        return;
+    }
+    const std::uintptr_t version = SQL_OV_ODBC3;  // a number, passed as a pointer
+    SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(version),
+                  0);  // NOLINT(performance-no-int-to-ptr): ODBC's interface
+}
+
+ODBCDatabase::~ODBCDatabase() { FreeHandle(SQL_HANDLE_ENV, environment_); }
+
+void ODBCDatabase::StoreDiagnostic() {
+    std::array<char16_t, kMessageCharacters> message{};
+    std::array<char16_t, kStateCharacters + 1> state{};
+    SQLINTEGER native = 0;
+    SQLSMALLINT length = 0;
+    SQLErrorW(environment_, connection_, statement_, ToOdbc(state.data()), &native,
+              ToOdbc(message.data()), static_cast<SQLSMALLINT>(message.size()), &length);
+    message.back() = state.back() = u'\0';
+    last_error_ = Format(u"%s,%s,%d", TextOf(message), TextOf(state), native);
+    if (last_error_.size() > kLastErrorCharacters) last_error_.resize(kLastErrorCharacters);
+}
+
+// ---- Connecting ----
+
+bool ODBCDatabase::Open(String& error, const String& source, const String& login,
+                        const String& password) {
+    connected_ = false;
+    if (environment_ == nullptr ||
+        !Succeeded(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_))) {
+        if (environment_ != nullptr) StoreDiagnostic();
+        error =
+            Format(u"ODBCDatabase::Open. Connection handle allocation failed: '%s'", last_error_);
+        return false;
+    }
+    connected_ = Connect(error, source, login, password);
+    if (!connected_) FreeHandle(SQL_HANDLE_DBC, connection_);
+    return connected_;
+}
+
+bool ODBCDatabase::Connect(String& error, const String& source, const String& login,
+                           const String& password) {
+    if (source.find(u"Driver=") != String::npos) {
+        std::array<char16_t, kConnectOutputCharacters> completed{};
+        SQLSMALLINT length = 0;
+        if (Succeeded(SQLDriverConnectW(
+                connection_, nullptr, ToOdbc(source), SQL_NTS, ToOdbc(completed.data()),
+                static_cast<SQLSMALLINT>(completed.size()), &length, SQL_DRIVER_NOPROMPT))) {
+            return true;
+        }
+        StoreDiagnostic();
+        error = Format(u"ODBCDatabase::Open. Connection with string '%s' failed: '%s'", source,
+                       last_error_);
+        return false;
+    }
+    if (Succeeded(SQLConnectW(connection_, ToOdbc(source), SQL_NTS, ToOdbc(login), SQL_NTS,
+                              ToOdbc(password), SQL_NTS))) {
+        return true;
+    }
+    StoreDiagnostic();
+    error = Format(u"ODBCDatabase::Open. Connection to '%s' for '%s' failed: '%s'", source, login,
+                   last_error_);
+    return false;
+}
+
+bool ODBCDatabase::CloseQuery() {
+    FreeHandle(SQL_HANDLE_STMT, statement_);
+    query_active_ = false;
+    return true;
+}
+
+bool ODBCDatabase::Close() {
+    CloseQuery();
+    if (connection_ != nullptr) SQLDisconnect(connection_);
+    FreeHandle(SQL_HANDLE_DBC, connection_);
+    connected_ = false;
+    return true;
+}
+
+// ---- Statements ----
+
+bool ODBCDatabase::AllocateStatement() {
+    if (Succeeded(SQLAllocHandle(SQL_HANDLE_STMT, connection_, &statement_))) return true;
+    statement_ = nullptr;
+    StoreDiagnostic();
+    return false;
+}
+
+// A statement that an earlier call left open is not freed here: disconnecting does that.
+bool ODBCDatabase::PrepareStatement(String& error, const String& statement) {
+    if (environment_ == nullptr || !connected_) {
+        error = u"ODBCDatabase::Query the database connection is not established yet.";
+        return false;
+    }
+    if (statement.empty()) {
+        error = u"ODBCDatabase::Query the empty query was passed.";
+        return false;
+    }
+    if (AllocateStatement()) return true;
+    error = Format(u"ODBCDatabase::Query could not allocate a statement: %s", last_error_);
+    return false;
+}
+
+bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
+    if (!PrepareStatement(error, statement)) return false;
+    query_active_ = false;
+    if (!Succeeded(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) {
+        StoreDiagnostic();
+        error = u"ODBCDatabase::Query execution error: " + last_error_;
+        return false;
+    }
+    DescribeColumns(rows);
+    query_active_ = true;
+    return true;
+}
+
+bool ODBCDatabase::ExecNonQuery(String& error, const String& statement) {
+    if (!PrepareStatement(error, statement)) return false;
+    if (Succeeded(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) return CloseQuery();
+    StoreDiagnostic();
+    error = Format(u"ODBCDatabase::ExecNonQuery execution error: %s", last_error_);
+    return false;
+}
+
+// ---- Columns of a result set ----
+
+void ODBCDatabase::DescribeColumns(RowSet& rows) {
+    if (statement_ == nullptr) return;
+    rows.Columns.clear();
+    SQLSMALLINT count = 0;
+    if (!Succeeded(SQLNumResultCols(statement_, &count))) count = 0;
+    for (SQLSMALLINT number = 1; number <= count; ++number) {
+        rows.Columns.push_back(DescribeColumn(static_cast<std::uint16_t>(number)));
+    }
+    column_count_ = count;
+}
+
+ColumnDefinition ODBCDatabase::DescribeColumn(std::uint16_t number) const {
+    const auto number_attribute = [&](std::uint16_t field) {
+        return static_cast<std::int32_t>(NumberAttribute(number, field));
+    };
+    ColumnDefinition column;
+    column.Name = TextAttribute(number, SQL_DESC_NAME);
+    column.TableName = TextAttribute(number, SQL_DESC_TABLE_NAME);
+    column.Length = number_attribute(SQL_DESC_LENGTH);
+    column.DisplaySize = number_attribute(SQL_DESC_DISPLAY_SIZE);
+    column.DataType = number_attribute(SQL_DESC_TYPE);
+    column.OctetLength = number_attribute(SQL_DESC_OCTET_LENGTH);
+    column.AutoUnique = number_attribute(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
+    column.Nullable = number_attribute(SQL_DESC_NULLABLE) == SQL_NULLABLE;
+    const String own_mark = IsQuotedType(column.DataType) ? u"'" : u"";
+    bool refused = false;
+    column.LiteralPrefix = TextAttribute(number, SQL_DESC_LITERAL_PREFIX, &refused);
+    if (refused) column.LiteralPrefix = own_mark;
+    column.LiteralSuffix = TextAttribute(number, SQL_DESC_LITERAL_SUFFIX, &refused);
+    if (refused) column.LiteralSuffix = own_mark;
+    column.LocalTypeName = TextAttribute(number, SQL_DESC_LOCAL_TYPE_NAME);
+    column.TypeName = TextAttribute(number, SQL_DESC_TYPE_NAME);
+    column.MaxWidth = column.Name.size();
+    return column;
+}
+
+String ODBCDatabase::TextAttribute(std::uint16_t number, std::uint16_t field, bool* refused) const {
+    std::array<char16_t, kAttributeBufferBytes / sizeof(char16_t) + 1> buffer{};
+    SQLSMALLINT length = 0;
+    // An odd length is refused by some driver managers: the byte beyond whole characters goes.
+    const auto bytes = static_cast<SQLSMALLINT>((buffer.size() - 1) * sizeof(char16_t));
+    const bool told = Succeeded(
+        SQLColAttributesW(statement_, number, field, buffer.data(), bytes, &length, nullptr));
+    if (refused != nullptr) *refused = !told;
+    return told ? TextOf(buffer) : String{};
+}
+
+std::int64_t ODBCDatabase::NumberAttribute(std::uint16_t number, std::uint16_t field) const {
+    SQLLEN value = 0;
+    SQLColAttributesW(statement_, number, field, nullptr, 0, nullptr, &value);
+    return value;
+}
+
+// ---- Rows ----
+
+// Reads a column of the current row into the value buffer. `text` points there until the next read.
+ODBCDatabase::Value ODBCDatabase::ReadValue(std::uint16_t number, std::int32_t buffer_bytes,
+                                            StringView& text) {
+    SQLLEN indicator = 0;
+    if (!Succeeded(SQLGetData(statement_, number, SQL_C_WCHAR, value_buffer_.get(), buffer_bytes,
+                              &indicator))) {
+        StoreDiagnostic();
+        return Value::Failed;
+    }
+    if (indicator == SQL_NULL_DATA) return Value::Null;
+    // The driver ends a cut value with a zero inside the buffer; the indicator tells the full size.
+    const std::size_t most = static_cast<std::size_t>(buffer_bytes) / sizeof(char16_t) - 1;
+    std::size_t length = most;
+    if (indicator >= 0) {
+        length = std::min(most, static_cast<std::size_t>(indicator) / sizeof(char16_t));
+    } else {
+        value_buffer_[most] = u'\0';
+        length = std::char_traits<char16_t>::length(value_buffer_.get());
+    }
+    text = StringView(value_buffer_.get(), length);
+    return Value::Text;
+}
+
+bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
+    if (!query_active_ || !Succeeded(SQLFetch(statement_))) return false;
+    const auto count = static_cast<std::uint16_t>(column_count_);
+    rows.GrowRow(count);
+    for (std::uint16_t i = 0; i < count; ++i) {
+        StringView text;
+        const Value read = ReadValue(static_cast<std::uint16_t>(i + 1), kValueBufferBytes, text);
+        if (read == Value::Failed) {
+            error = last_error_;
+            return false;
+        }
+        DataValue& value = rows.Row[i];
+        value.IsNull = read == Value::Null;
+        value.Text.assign(text);
+        if (!track_widths || value.IsNull) continue;
+        if (i >= rows.Columns.size()) {
+            error = u"ODBCDatabase::Fetch. Wrong 'definitions' array size.";
+            return false;
+        }
+        rows.Columns[i].RaiseMaxWidth(text.size());
+    }
+    return true;
+}
+
+bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
+    if (statement_ == nullptr) {
+        error = u"ODBCDatabase::HasMoreData no active statement";
+        return false;
+    }
+    if (!Succeeded(SQLMoreResults(statement_))) return false;
+    DescribeColumns(rows);
+    return true;
+}
+
+// ---- Catalogue ----
+
+String ODBCDatabase::ReadCatalogText(std::uint16_t number) {
+    StringView text;
+    return ReadValue(number, kCatalogBufferBytes, text) == Value::Text ? String(text) : String{};
+}
+
+// `name` as a search pattern that matches only itself, where the driver has an escape character.
+String ODBCDatabase::SearchPattern(const String& name) const {
+    std::array<char16_t, 8> escape{};
+    SQLSMALLINT length = 0;
+    SQLGetInfoW(connection_, SQL_SEARCH_PATTERN_ESCAPE, escape.data(),
+                static_cast<SQLSMALLINT>((escape.size() - 1) * sizeof(char16_t)), &length);
+    const String mark = TextOf(escape);
+    if (mark.empty()) return name;
+    String pattern;
+    for (const char16_t unit : name) {
+        if (unit == u'_' || unit == u'%' || mark.find(unit) != String::npos) pattern += mark;
+        pattern += unit;
+    }
+    return pattern;
+}
+
+bool ODBCDatabase::Tables(String& error, std::vector<TableEntry>& tables, TableKind kind) {
+    if (!connected_) {
+        error = u"ODBCDatabase::Tables. The database connection is not established yet.";
+        return false;
+    }
+    tables.clear();
+    if (!AllocateStatement()) return false;
+    const String type = kind == TableKind::Views ? u"VIEW" : u"TABLE";
+    if (!Succeeded(
+            SQLTablesW(statement_, nullptr, 0, nullptr, 0, nullptr, 0, ToOdbc(type), SQL_NTS))) {
+        StoreDiagnostic();
+        error = Format(u"ODBCDatabase::Tables. Tables list error: %s", last_error_);
+        CloseQuery();
+        return false;
+    }
+    while (Succeeded(SQLFetch(statement_))) {
+        TableEntry entry;
+        entry.Detail = ReadCatalogText(2);
+        entry.Name = ReadCatalogText(3);
+        tables.push_back(std::move(entry));
+    }
+    return CloseQuery();
+}
+
+bool ODBCDatabase::Columns(String& error, const String& schema, const String& table,
+                           std::vector<CatalogColumn>& columns) {
+    if (!connected_) {
+        error = u"The database connection is not established yet.";
+        return false;
+    }
+    columns.clear();
+    const String schema_pattern = SearchPattern(schema);
+    const String table_pattern = SearchPattern(table);
+    if (!AllocateStatement()) {
+        error = u"Could not allocate statement handle";
+        return false;
+    }
+    if (!Succeeded(SQLColumnsW(statement_, nullptr, 0,
+                               schema.empty() ? nullptr : ToOdbc(schema_pattern), SQL_NTS,
+                               ToOdbc(table_pattern), SQL_NTS, nullptr, 0))) {
+        StoreDiagnostic();
+        error = Format(u"Table's column list error: %s", last_error_);
+        CloseQuery();
+        return false;
+    }
+    while (Succeeded(SQLFetch(statement_))) {
+        CatalogColumn entry;
+        entry.Table = ReadCatalogText(3);
+        entry.Column = ReadCatalogText(4);
+        entry.TypeName = ReadCatalogText(6);
+        entry.Size = ReadCatalogText(7);
+        entry.Digits = ReadCatalogText(9);
+        entry.Nullable = ReadCatalogText(11);
+        entry.Default = ReadCatalogText(13);
+        columns.push_back(std::move(entry));
+    }
+    return CloseQuery();
+}
+
+}  // namespace DataStorages

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/strings.h"
+#include "core/row_set.h"
+#include "storages/storage.h"
+
+namespace DataStorages {
+
+// A table or view as a database's catalogue lists it.
+struct TableEntry {
+    String Name;
+    String Detail;  // the schema
+    std::uint8_t Flag = 0;
+};
+
+// A column as a database's catalogue lists it: the driver's values, as text.
+struct CatalogColumn {
+    String Column;
+    String Table;
+    String TypeName;
+    String Size;
+    String Digits;
+    String Nullable;  // "0", "1" or "2" (unknown)
+    String Default;
+};
+
+enum class TableKind { Tables = 0, Views = 1 };
+
+// A database: statements go in, result sets come out. Operations return false on failure and say
+// why in `error`, the first argument; nothing is thrown.
+class StorageDatabase : public Quillon::Storage {
+public:
+    // Connects to a data source name, or by a connect string.
+    virtual bool Open(String& error, const String& source, const String& login,
+                      const String& password) = 0;
+    // Executes a statement that returns rows and describes its columns into `rows`.
+    virtual bool Query(String& error, const String& statement, RowSet& rows) = 0;
+    // Executes a statement and discards any result.
+    virtual bool ExecNonQuery(String& error, const String& statement) = 0;
+    // Reads the next row into `rows.Row`. track_widths: also raise each column's MaxWidth.
+    // False with an empty `error` is the end of the data.
+    virtual bool Fetch(String& error, RowSet& rows, bool track_widths) = 0;
+    // Moves to the statement's next result set and describes it. False with an empty `error` when
+    // there is none.
+    virtual bool HasMoreData(String& error, RowSet& rows) = 0;
+    virtual bool CloseQuery() = 0;
+    virtual bool Close() = 0;
+    // Lists the tables or the views of the database.
+    virtual bool Tables(String& error, std::vector<TableEntry>& tables, TableKind kind) = 0;
+    // Lists the columns of one table. An empty schema means any.
+    virtual bool Columns(String& error, const String& schema, const String& table,
+                         std::vector<CatalogColumn>& columns) = 0;
+    // Columns of the current result set.
+    virtual std::int16_t ColumnCount() const = 0;
+};
+
+}  // namespace DataStorages
