@@ -40,7 +40,7 @@ String Configuration::GetValue(Section section, StringView name, Quotes quotes,
                                StringView default_value) const {
     const ParameterSet::Element* element =
         section == Section::CommandLine ? command_line_.Find(name) : FindInStep(section, name);
-    const StringView value = element != nullptr ? StringView(element->value) : default_value;
+    const StringView value = element != nullptr ? StringView{element->value} : default_value;
     return String(quotes == Quotes::Strip ? text::StripQuotes(value) : value);
 }
 

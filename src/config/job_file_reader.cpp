@@ -100,7 +100,8 @@ bool JobFileReader::ExpandIncludes(String& error, std::vector<String>& lines) co
             expanded.push_back(std::move(line));
             continue;
         }
-        const StringView rest = StringView(line).substr(kInclude.size());
+        StringView rest = line;
+        rest.remove_prefix(kInclude.size());
         const String name(text::StripQuotes(rest.substr(rest.empty() ? 0 : 1)));
         if (!platform::PathExists(name)) {
             error = Format(u"@include statement. '%s' file is not accessible.\n", name);

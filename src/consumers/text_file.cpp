@@ -107,8 +107,9 @@ bool TextFile::Write(String& error, RowSet& rows) {
     for (std::size_t i = 0; i < rows.Row.size(); ++i) {
         const DataValue& value = rows.Row[i];
         if (!value.Included) continue;
-        const StringView null_text = null_is_empty_ ? u"" : u"NULL";
-        AppendField(value.IsNull ? null_text : StringView(value.Text), rows.Columns[i], first);
+        StringView shown = value.Text;
+        if (value.IsNull) shown = null_is_empty_ ? u"" : u"NULL";
+        AppendField(shown, rows.Columns[i], first);
         first = false;
     }
     line_ += end_of_line_;

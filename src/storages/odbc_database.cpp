@@ -19,8 +19,7 @@ constexpr std::size_t kAttributeBufferBytes = 255;
 
 // ODBC takes texts that it does not change through pointers to non-constant units.
 SQLWCHAR* ToOdbc(const char16_t* text) {
-    return reinterpret_cast<SQLWCHAR*>(
-        const_cast<char16_t*>(text));  // NOLINT(*-const-cast): see above
+    return reinterpret_cast<SQLWCHAR*>(const_cast<char16_t*>(text));
 }
 SQLWCHAR* ToOdbc(const String& text) { return ToOdbc(text.c_str()); }
 
@@ -72,8 +71,9 @@ ODBCDatabase::ODBCDatabase()
         return;
     }
     const std::uintptr_t version = SQL_OV_ODBC3;  // a number, passed as a pointer
-    SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(version),
-                  0);  // NOLINT(performance-no-int-to-ptr): ODBC's interface
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
+    auto* const value = reinterpret_cast<SQLPOINTER>(version);
+    SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, value, 0);
 }
 
 ODBCDatabase::~ODBCDatabase() { FreeHandle(SQL_HANDLE_ENV, environment_); }

@@ -1,0 +1,4 @@
+
+  select id, note
+from goods where note is not null 	
+

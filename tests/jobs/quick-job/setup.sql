@@ -1,0 +1,1 @@
+create table t(a,b); insert into t values(1,'x y'),(2,null);

@@ -1,0 +1,152 @@
+#!/usr/bin/env python3
+"""What the built program does when the world is against it: hostile job files, full disks, closed
+pipes, strange arguments. Runs on Linux; usage: robustness_test.py PROGRAM [unittest arguments]."""
+import os
+import pathlib
+import resource
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = None
+COPY = "Step 1\nSource\nType=TextFile\nName={source}\nTarget\nType=TextFile\nName={target}\n"
+
+
+class Robustness(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.path = pathlib.Path(self.folder.name)
+
+    def write(self, name, data):
+        (self.path / name).write_bytes(data if isinstance(data, bytes) else data.encode())
+
+    def run_job(self, job, *arguments, **options):
+        if job is not None:
+            self.write("job.qpr", job)
+        return subprocess.run([PROGRAM, "-config=job.qpr", "-silent", *arguments], cwd=self.path,
+                              capture_output=True, timeout=120, **options)
+
+    def assert_ends(self, result, status, output):
+        self.assertEqual((result.returncode, result.stdout), (status, output), result.stderr)
+
+    def test_job_file_missing_or_unusable(self):
+        missing = (b"Could not find or load configuration file 'job.qpr'. Use -config command line "
+                   b"switch to define it. Default name is 'quillon.qpr'.\n")
+        self.assert_ends(self.run_job(None), 2, missing)
+        self.assert_ends(self.run_job(""), 0, b"")
+        os.mkdir(self.path / "folder")
+        self.assert_ends(self.run_job(None, "-config=folder"), 2,
+                         b"Error loading configuration file: Could not open file for reading: "
+                         b"Is a directory\n")
+
+    def test_binary_and_odd_job_files(self):
+        start = b"Incorrect configuration file. 'Step #' clause expected.\n"
+        self.assert_ends(self.run_job(bytes(range(256)) * 50), 2, start)
+        self.assert_ends(self.run_job(b"\0Step 1\nSource\n"), 2, start)
+        # Lone carriage returns do not end a line, so all is one step head.
+        self.assert_ends(self.run_job(b"Step 1\rSource\rType=TextFile\r"), 2,
+                         b"Incorrect type for source ''.\n")
+        self.write("in.txt", "a\n1\n")
+        job = COPY.format(source="in.txt", target="out.txt")
+        self.assert_ends(self.run_job(job + "Note=" + "x" * 1_000_000 + "\n"), 0, b"")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
+
+    def test_huge_job_file_is_read_to_its_limit(self):
+        self.write("in.txt", "a\n1\n")
+        filler = "; a comment that fills the file\n" * 3_200_000
+        result = self.run_job(COPY.format(source="in.txt", target="out.txt") + filler)
+        self.assert_ends(result, 0, b"")
+        # The comment is 32 characters long: 16 MiB hold the job and 524 thousand of them.
+        self.assertRegex(result.stderr, rb"^Warning: 'job.qpr' was read up to line 52429\d\. "
+                                        rb"26757\d\d lines after it were left out\.\n$")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
+
+    def test_includes_of_itself_and_of_a_folder(self):
+        self.assert_ends(self.run_job("Globals\n@include job.qpr\n"), 2,
+                         b"Incorrect configuration file item: 'Globals'. name=value format "
+                         b"expected. Line 2.\n")
+        self.write("in.txt", "a\n1\n")
+        os.mkdir(self.path / "folder")
+        job = "@include folder\n" + COPY.format(source="in.txt", target="out.txt")
+        self.assert_ends(self.run_job(job), 0, b"")
+
+    def test_source_is_a_folder(self):
+        job = COPY.format(source=".", target="out.txt")
+        self.assert_ends(self.run_job(job), 2,
+                         b"Could not open file for reading: Is a directory\n")
+        self.assertFalse((self.path / "out.txt").exists())
+
+    def test_source_is_a_pipe(self):
+        job = COPY.format(source="/dev/stdin", target="out.txt")
+        self.assert_ends(self.run_job(job, input=b"a\n1\n22\n"), 0, b"")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n22\r\n")
+
+    def test_full_disk(self):
+        self.write("in.txt", "a\n1\n")
+        result = self.run_job(COPY.format(source="in.txt", target="/dev/full"))
+        self.assert_ends(result, 2, b"")
+        self.assertEqual(result.stderr,
+                         b"Could not write to file '/dev/full': No space left on device\n")
+
+    def test_disk_that_fills_leaves_whole_lines(self):
+        self.write("in.txt", "a\n" + "123456789\n" * 1000)
+        limit = 4096 + 5
+        result = self.run_job(COPY.format(source="in.txt", target="out.txt"), preexec_fn=lambda:
+                              resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+        self.assertEqual(result.returncode, 2)
+        line = b"123456789\r\n"
+        self.assertEqual((self.path / "out.txt").read_bytes(), line * (limit // len(line)))
+
+    def test_read_only_target(self):
+        self.write("in.txt", "a\n1\n")
+        self.write("out.txt", "kept")
+        os.chmod(self.path / "out.txt", 0o444)
+        os.chmod(self.path, 0o755)
+        job = COPY.format(source="in.txt", target="out.txt")
+        if os.geteuid() == 0:  # root may write anything: run as somebody who may not
+            self.write("job.qpr", job)
+            result = self.run_job(None, user=65534, group=65534)
+        else:
+            result = self.run_job(job)
+        self.assert_ends(result, 2, b"Could not open file for writing: Permission denied\n")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"kept")
+
+    def test_closed_output_pipe_ends_the_run_quietly(self):
+        self.write("in.txt", "a\n" + "123456789\n" * 200_000)
+        self.write("job.qpr", COPY.format(source="in.txt", target="CONSOLE"))
+        # A parent that ignores nothing: the program itself must see to it.
+        with subprocess.Popen([PROGRAM, "-config=job.qpr"], cwd=self.path, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, preexec_fn=lambda:
+                              signal.signal(signal.SIGPIPE, signal.SIG_DFL)) as process:
+            process.stdout.readline()
+            process.stdout.close()
+            self.assertEqual(process.wait(timeout=120), 2)
+            self.assertEqual(process.stderr.read(), b"")
+
+    def test_arguments_that_are_not_utf8_name_files(self):
+        self.write(b"in-\xff.txt".decode("utf-8", "surrogateescape"), "a\n1\n")
+        self.write("job.qpr", "Step 1\nSource\nType=TextFile\nName=in.txt\nTarget\n"
+                              "Type=TextFile\nName=$OUT$\n")
+        self.write("in.txt", "a\n1\n")
+        result = subprocess.run([PROGRAM.encode(), b"-config=job.qpr", b"-silent",
+                                 b"$OUT$=out-\xff\xc3.txt", b"-Log=log-\xfe.txt"],
+                                cwd=self.path, capture_output=True, timeout=120)
+        self.assertEqual(result.returncode, 0, result.stdout)
+        names = os.listdir(os.fsencode(self.path))
+        self.assertIn(b"out-\xff\xc3.txt", names)
+        self.assertIn(b"log-\xfe.txt", names)
+
+    def test_query_without_columns(self):
+        job = ("Step 1\nSource\nType=DatabaseQuery\n"
+               'ConnectString="Driver=SQLite3;Database=data.db"\nQuery=create table t(a)\n'
+               "Target\nType=TextFile\nName=out.txt\n")
+        self.assert_ends(self.run_job(job), 0, b"")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"")
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main()
