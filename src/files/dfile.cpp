@@ -117,7 +117,7 @@ std::size_t TakeWideLine(Bytes all, std::size_t position, bool little_endian, bo
 struct Content {
     std::vector<std::byte> bytes;
     Encoding encoding = Encoding::Ansi;
-    std::unique_ptr<platform::InputFile> rest;  // what the limit left unread
+    std::unique_ptr<platform::InputFile> rest;  // what the limit left unread, if it did
 };
 
 void SkipMark(platform::InputFile& stream, Encoding encoding) {
@@ -153,28 +153,29 @@ bool ReadContent(ErrorRecord& error, const String& name, Content& content) {
     SkipMark(*content.rest, content.encoding);
     content.bytes.resize(wanted);
     content.bytes.resize(content.rest->ReadFully(content.bytes));
+    if (size <= dFile::kReadBufferBytes) content.rest.reset();
     return true;
 }
 
 // Counts the lines that were not loaded: what follows `position` in the content, then what the
 // limit left in the stream. 0 when all of them are blank.
 std::uint64_t CountLinesLeft(Content& content, std::size_t position) {
-    if (!content.rest) return 0;
     std::uint64_t count = 0;
     bool blank = true;
     String line;
-    do {
+    for (;;) {
         while (position < content.bytes.size()) {
             dFile::GetLine(content.bytes.data(), &position, content.bytes.size(), &line,
                            content.encoding, false);
             blank = blank && text::Trim(line, text::kBlanksAndLineEnds).empty();
             ++count;
         }
+        if (!content.rest) return blank ? 0 : count;
         content.bytes.resize(dFile::kReadBufferBytes);
         content.bytes.resize(content.rest->ReadFully(content.bytes));
+        if (content.bytes.empty()) content.rest.reset();
         position = 0;
-    } while (!content.bytes.empty());
-    return blank ? 0 : count;
+    }
 }
 
 }  // namespace
