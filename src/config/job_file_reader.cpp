@@ -1,7 +1,6 @@
 #include "config/job_file_reader.h"
 
 #include "base/activity_trail.h"
-#include "base/utf8.h"
 #include "files/dfile.h"
 #include "files/format.h"
 #include "files/line_splitter.h"
@@ -26,24 +25,14 @@ constexpr SectionKeyword kSectionKeywords[] = {
     {u"System", Section::System},
 };
 
-// The loader leaves the last byte of a UTF-8 mark in front of the first line, which therefore was
-// not decoded. Takes that byte off and decodes the line.
-void RepairMarkedLine(String& line) {
-    constexpr char16_t kLastMarkByte = 0xBF;
-    if (!line.starts_with(kLastMarkByte)) return;
-    line.erase(0, 1);
-    std::string bytes;
-    for (const char16_t unit : line) bytes.push_back(static_cast<char>(unit));
-    String decoded;
-    if (FromUtf8(bytes, decoded)) line = decoded;
-}
-
 // Loads the lines of a job file. Lines that are not loaded must not be lost in silence, so standard
 // error tells of them.
 bool LoadLines(ErrorRecord& error, const String& path, std::vector<String>& lines) {
     LoadReport report;
     if (!dFile::LoadFileContent(error, path, lines, &report)) return false;
-    if (report.encoding == Encoding::Utf8 && !lines.empty()) RepairMarkedLine(lines.front());
+    if (report.encoding == Encoding::Utf8 && !lines.empty()) {
+        dFile::DecodeAfterMark(lines.front());
+    }
     if (report.lines_left_out != 0) {
         platform::WriteErrorText(
             Format(u"Warning: '%s' was read up to line %u. %u lines after it were left out.\n",
@@ -201,7 +190,7 @@ bool JobFileReader::ParseItem(String& error, StringView line) {
         const std::size_t transforms = step_->TransformCount();
         step_->List(section_, transforms == 0 ? 0 : transforms - 1).Set(name, value);
     } else if (name == u"environment") {
-        AddEnvironmentMacros(value);
+        AddEnvironmentMacros(text::StripQuotes(value));
     } else {
         configuration_.globals_.Set(name, value);
     }

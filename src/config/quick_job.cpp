@@ -1,3 +1,5 @@
+#include <cassert>
+
 #include "base/activity_trail.h"
 #include "config/configuration.h"
 #include "files/format.h"
@@ -44,6 +46,7 @@ bool Configuration::AdditonalCmdLine(String& error, std::size_t step_index) {
         }
         MakeQueryToTextFile(*steps_[step_index]);
     }
+    assert(step_index < steps_.size());
     for (const QuickSwitch& quick : kSwitches) {
         const String value = GetValue(Section::CommandLine, quick.name, quick.quotes);
         if (!value.empty()) steps_[step_index]->List(quick.section).Set(quick.key, value);

@@ -20,7 +20,6 @@ String DelimiterOf(const String& setting) {
 bool TextFile::Open(String& error, const SectionSettings& settings) {
     const ScopedState state(u"TextFile::Open");
     written_size_ = 0;
-    console_characters_ = 0;
     const String name = settings.ResolvedText(u"Name");
     encoding_ = EncodingFromWord(settings.Text(u"Encoding"));
     const String quotation = settings.Text(u"QuotationMode");
@@ -98,9 +97,9 @@ bool TextFile::Write(String& error, RowSet& rows) {
         return false;
     }
     if (header_delayed_) {
+        header_delayed_ = false;
         ComposeHeader(rows);
-        delayed_header_ = line_;
-        if (!WriteDelayedHeader(error)) return false;
+        if (!WriteLine(error)) return false;
     }
     line_.clear();
     bool first = true;
@@ -116,6 +115,7 @@ bool TextFile::Write(String& error, RowSet& rows) {
     return WriteLine(error);
 }
 
+// Writes the header that still waits for a row to tell its widths.
 bool TextFile::WriteDelayedHeader(String& error) {
     if (!header_delayed_) return true;
     header_delayed_ = false;
@@ -124,7 +124,10 @@ bool TextFile::WriteDelayedHeader(String& error) {
 }
 
 bool TextFile::WriteLine(String& error) {
-    if (console_) return WriteToConsole();
+    if (console_) {
+        error.clear();  // a write that fails has no text, nor may an earlier one stand for it
+        return WriteToConsole();
+    }
     ErrorRecord write_error;
     std::size_t size = 0;
     const bool written = file_.Write(write_error, line_, &size);
@@ -139,7 +142,6 @@ bool TextFile::WriteLine(String& error) {
 // The line is a format text without arguments: "%%" stands for one percent sign. Directives that
 // want an argument find none and stay as they are.
 bool TextFile::WriteToConsole() {
-    console_characters_ += line_.size();
     text::ReplaceAll(line_, u"%%", u"%");
     if (terminal_) return platform::WriteOutputText(line_);
     std::span<const std::byte> bytes;

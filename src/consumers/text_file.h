@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-
 #include "consumers/data_consumer.h"
 #include "files/dfile.h"
 
@@ -48,8 +46,7 @@ private:
     bool header_pending_ = false;  // the next Prepare brings the header
     bool header_delayed_ = false;  // Prepare came, but the widths are known with the first row only
     String delayed_header_;        // the header as it stands should no row come
-    std::uint64_t console_characters_ = 0;
-    bool terminal_ = false;  // the console is a terminal and takes text
+    bool terminal_ = false;        // the console is a terminal and takes text
     dFile file_;
     TextEncoder console_encoder_;
     String line_;  // reused, so a row costs no allocation

@@ -117,7 +117,8 @@ std::size_t TakeWideLine(Bytes all, std::size_t position, bool little_endian, bo
 struct Content {
     std::vector<std::byte> bytes;
     Encoding encoding = Encoding::Ansi;
-    std::unique_ptr<platform::InputFile> rest;  // what the limit left unread, if it did
+    bool cut = false;                           // the file is longer than the limit
+    std::unique_ptr<platform::InputFile> rest;  // what is unread of it
 };
 
 void SkipMark(platform::InputFile& stream, Encoding encoding) {
@@ -142,40 +143,57 @@ bool ReadContent(ErrorRecord& error, const String& name, Content& content) {
     // An empty name opens nothing; asked for directly, the system says what is wrong with it.
     if (!content.rest) content.rest = OpenStream(error, name);
     if (!content.rest) return false;
-    const std::uint64_t size = content.rest->Size();
-    if (size == 0) {
-        content.rest.reset();  // a device or a pipe may have no end
-        return true;
-    }
-    std::size_t wanted =
-        static_cast<std::size_t>(std::min<std::uint64_t>(size, dFile::kReadBufferBytes));
+    // What has no length, a pipe say, is read up to the limit.
+    const std::optional<std::uint64_t> size = content.rest->Size();
+    if (size == 0) return true;
+    std::size_t wanted = static_cast<std::size_t>(
+        std::min<std::uint64_t>(size.value_or(dFile::kReadBufferBytes), dFile::kReadBufferBytes));
     if (content.encoding != Encoding::Ansi) wanted -= kSkippedMarkBytes;
     SkipMark(*content.rest, content.encoding);
     content.bytes.resize(wanted);
     content.bytes.resize(content.rest->ReadFully(content.bytes));
-    if (size <= dFile::kReadBufferBytes) content.rest.reset();
+    content.cut = size.value_or(0) > dFile::kReadBufferBytes;
     return true;
 }
 
-// Counts the lines that were not loaded: what follows `position` in the content, then what the
-// limit left in the stream. 0 when all of them are blank.
-std::uint64_t CountLinesLeft(Content& content, std::size_t position) {
+// The line feeds in `bytes`, of which the first is at an even offset of its file.
+std::uint64_t CountLineFeeds(std::span<const std::byte> bytes, Encoding encoding) {
+    std::uint64_t count = 0;
+    const std::size_t unit = IsWide(encoding) ? 2 : 1;
+    const std::size_t low = encoding == Encoding::Utf16BigEndian ? 1 : 0;  // place of the low half
+    for (std::size_t i = 0; i + unit <= bytes.size(); i += unit) {
+        const bool is_line_feed = bytes[i + low] == std::byte{'\n'};
+        if (is_line_feed && (unit == 1 || bytes[i + 1 - low] == std::byte{0})) ++count;
+    }
+    return count;
+}
+
+// Counts the lines that begin where the limit has cut the content; the line that it cut is one.
+std::uint64_t CountLinesPastLimit(Content& content) {
+    std::vector<std::byte> chunk(dFile::kReadBufferBytes);
+    std::uint64_t line_feeds = 0;
+    bool unfinished = false;
+    while (const std::size_t filled = content.rest->ReadFully(chunk)) {
+        const std::span<const std::byte> bytes = std::span(chunk).first(filled);
+        line_feeds += CountLineFeeds(bytes, content.encoding);
+        const std::size_t unit = IsWide(content.encoding) ? 2 : 1;
+        unfinished = CountLineFeeds(bytes.last(std::min(unit, filled)), content.encoding) == 0;
+    }
+    return line_feeds + (unfinished ? 1 : 0);
+}
+
+// Counts the lines that follow `position` in the content; 0 when all of them are blank.
+std::uint64_t CountLinesAfter(const Content& content, std::size_t position) {
     std::uint64_t count = 0;
     bool blank = true;
     String line;
-    for (;;) {
-        while (position < content.bytes.size()) {
-            dFile::GetLine(content.bytes.data(), &position, content.bytes.size(), &line,
-                           content.encoding, false);
-            blank = blank && text::Trim(line, text::kBlanksAndLineEnds).empty();
-            ++count;
-        }
-        if (!content.rest) return blank ? 0 : count;
-        content.bytes.resize(dFile::kReadBufferBytes);
-        content.bytes.resize(content.rest->ReadFully(content.bytes));
-        if (content.bytes.empty()) content.rest.reset();
-        position = 0;
+    while (position < content.bytes.size()) {
+        dFile::GetLine(content.bytes.data(), &position, content.bytes.size(), &line,
+                       content.encoding, false);
+        blank = blank && text::Trim(line, text::kBlanksAndLineEnds).empty();
+        ++count;
     }
+    return blank ? 0 : count;
 }
 
 }  // namespace
@@ -191,6 +209,7 @@ bool dFile::Open(ErrorRecord& error, const String& name, Encoding encoding, bool
         opened_ = true;
         return true;
     }
+    output_.reset();  // it may be the same file
     const bool existed = platform::PathExists(name);
     const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
     output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
@@ -342,7 +361,10 @@ bool dFile::ReadConsoleLine(String& line) {
         if (position_ == filled_) {
             position_ = 0;
             filled_ = stream_->Read({buffer_.get(), kReadBufferBytes});
-            if (filled_ == 0) return !line.empty();
+            if (filled_ == 0) {
+                if (!stream_->Failed()) stream_.reset();  // a terminal would be read again
+                return !line.empty();
+            }
         }
         Bytes unread = Unread();
         const unsigned char* line_feed = Find(unread, '\n');
@@ -380,11 +402,12 @@ bool dFile::GetLine(const std::byte* ptr, std::size_t* idx, std::size_t size, St
 }
 
 bool dFile::PrepareLoadFileContent(ErrorRecord& error, const String& name, String& text,
-                                   Encoding default_encoding) {
+                                   Encoding default_encoding, Encoding* mark) {
     const ScopedState state(u"dFile::PrepareLoadFileContent");
     text.clear();
     Content content;
     if (!ReadContent(error, name, content)) return false;
+    if (mark != nullptr) *mark = content.encoding;
     if (content.bytes.empty()) return true;
     const Encoding encoding =
         content.encoding == Encoding::Ansi ? default_encoding : content.encoding;
@@ -407,10 +430,22 @@ bool dFile::LoadFileContent(ErrorRecord& error, const String& name, std::vector<
                          content.encoding, false);
         if (!ended) lines.push_back(line);
     }
-    if (report != nullptr) {
-        report->encoding = content.encoding;
-        report->last_line = lines.size() + (ended ? 1 : 0);
-        report->lines_left_out = CountLinesLeft(content, position);
-    }
+    if (report == nullptr) return true;
+    report->encoding = content.encoding;
+    report->last_line = lines.size() + (ended ? 1 : 0);
+    report->lines_left_out = CountLinesAfter(content, position);
+    if (!content.cut) return true;
+    report->lines_left_out += CountLinesPastLimit(content);
+    if (!ended) --report->last_line;  // the limit has cut this line
     return true;
+}
+
+void dFile::DecodeAfterMark(String& text) {
+    constexpr char16_t kLastMarkByte = 0xBF;
+    if (!text.starts_with(kLastMarkByte)) return;
+    text.erase(0, 1);
+    std::string bytes;
+    for (const char16_t unit : text) bytes.push_back(static_cast<char>(unit));
+    String decoded;
+    if (FromUtf8(bytes, decoded)) text = decoded;
 }

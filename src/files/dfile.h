@@ -18,7 +18,7 @@
 // What LoadFileContent found besides the lines.
 struct LoadReport {
     Encoding encoding = Encoding::Ansi;  // what the file's mark says
-    std::uint64_t last_line = 0;         // line (from 1) at which loading ended
+    std::uint64_t last_line = 0;         // line (from 1) up to which all is loaded
     std::uint64_t lines_left_out = 0;    // lines after it; 0 when only blank lines follow
 };
 
@@ -29,7 +29,7 @@ public:
 
     // Before Open: written text is kept in MemoryText(), no file is touched.
     void SetMemoryMode(bool on) { memory_mode_ = on; }
-    // Before OpenForReading with an empty name: lines come from standard input.
+    // Before OpenForReading: lines come from standard input.
     void SetConsoleInput(bool on) { console_input_ = on; }
 
     // Opens a file for writing, creates it when missing, and writes the mark of `encoding`.
@@ -63,8 +63,10 @@ public:
     static bool OpenFile(ErrorRecord& error, std::unique_ptr<platform::InputFile>& stream,
                          const String& name, Encoding& encoding);
 
-    // OpenFile for ReadLine, or standard input after SetConsoleInput.
+    // OpenFile for ReadLine; after SetConsoleInput standard input, whatever the name.
     bool OpenForReading(ErrorRecord& error, const String& name);
+    // True when what OpenForReading opened gives the same bytes if it is opened once more.
+    bool CanReopen() const { return stream_ && !console_input_ && stream_->CanReopen(); }
 
     // The next line, without its line feed and carriage returns. UTF-16 little-endian files are
     // read in 16-bit units, all others one character a byte. False at the end.
@@ -77,9 +79,9 @@ public:
 
     // Loads a file as one text, at most kReadBufferBytes of it. default_encoding: of a file without
     // a mark. After a UTF-8 mark the text begins with the mark's last byte (U+00BF), and so comes
-    // out one character a byte.
+    // out one character a byte; see DecodeAfterMark. mark: what the file's mark says.
     static bool PrepareLoadFileContent(ErrorRecord& error, const String& name, String& text,
-                                       Encoding default_encoding);
+                                       Encoding default_encoding, Encoding* mark = nullptr);
 
     // Loads a file as lines. The first line that comes out empty ends the list; see GetLine.
     static bool LoadFileContent(ErrorRecord& error, const String& name, std::vector<String>& lines,
@@ -90,6 +92,9 @@ public:
     // is nothing else. Invalid UTF-8 comes out one character a byte. False for an empty line.
     static bool GetLine(const std::byte* ptr, std::size_t* idx, std::size_t size, String* line,
                         Encoding encoding, bool whole);
+
+    // Takes what the loaders leave of a UTF-8 mark off the start of a text, and decodes the text.
+    static void DecodeAfterMark(String& text);
 
 private:
     void ContinueInOwnEncoding();

@@ -4,6 +4,17 @@
 
 #include "base/utf8.h"
 
+namespace {
+
+// A plain loop over all, which the compiler can do in blocks.
+bool IsAscii(StringView text) {
+    unsigned seen = 0;
+    for (const char16_t unit : text) seen |= unit;
+    return seen < 0x80;
+}
+
+}  // namespace
+
 Encoding EncodingFromWord(StringView word) {
     if (word == u"UTF16" || word == u"Unicode") return Encoding::Utf16LittleEndian;
     if (word == u"UTF8") return Encoding::Utf8;
@@ -16,7 +27,12 @@ bool TextEncoder::Encode(StringView text, Encoding encoding, std::span<const std
             bytes = std::as_bytes(std::span(text));
             return true;
         case Encoding::Utf8:
-            ToUtf8Bytes(text);
+            if (IsAscii(text)) {
+                Narrow(text);
+            } else {
+                bytes_.clear();
+                AppendUtf8(text, bytes_);
+            }
             break;
         case Encoding::Ansi:
             Narrow(text);
@@ -24,24 +40,12 @@ bool TextEncoder::Encode(StringView text, Encoding encoding, std::span<const std
         default:
             return false;
     }
-    bytes = bytes_;
+    bytes = std::as_bytes(std::span(bytes_));
     return true;
 }
 
 void TextEncoder::Narrow(StringView text) {
     bytes_.resize(text.size());
     std::transform(text.begin(), text.end(), bytes_.begin(),
-                   [](char16_t unit) { return static_cast<std::byte>(unit & 0xFF); });
-}
-
-void TextEncoder::ToUtf8Bytes(StringView text) {
-    unsigned seen = 0;  // a plain loop over all, which the compiler can do in blocks
-    for (const char16_t unit : text) seen |= unit;
-    if (seen < 0x80) {
-        Narrow(text);
-        return;
-    }
-    const std::string encoded = ToUtf8(text);
-    const auto view = std::as_bytes(std::span(encoded));
-    bytes_.assign(view.begin(), view.end());
+                   [](char16_t unit) { return static_cast<char>(unit & 0xFF); });
 }

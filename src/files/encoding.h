@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
+#include <string>
 
 #include "base/strings.h"
 
@@ -28,7 +28,6 @@ public:
 
 private:
     void Narrow(StringView text);
-    void ToUtf8Bytes(StringView text);
 
-    std::vector<std::byte> bytes_;
+    std::string bytes_;
 };

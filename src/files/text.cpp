@@ -1,7 +1,6 @@
 #include "files/text.h"
 
 #include <algorithm>
-#include <cwctype>
 #include <limits>
 
 namespace text {
@@ -9,7 +8,9 @@ namespace {
 
 bool IsDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
-std::wint_t Lower(char16_t unit) { return std::towlower(static_cast<std::wint_t>(unit)); }
+char16_t Lower(char16_t unit) {
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
 
 }  // namespace
 
@@ -31,10 +32,16 @@ bool EqualsIgnoringCase(StringView left, StringView right) {
 
 void ReplaceAll(String& value, StringView from, StringView to) {
     if (from.empty()) return;
-    for (std::size_t at = value.find(from); at != String::npos;
-         at = value.find(from, at + to.size())) {
-        value.replace(at, from.size(), to);
+    std::size_t found = value.find(from);
+    if (found == String::npos) return;
+    // Each character moves once, however many occurrences there are.
+    String result;
+    std::size_t kept = 0;  // where the text not yet taken over begins
+    for (; found != String::npos; found = value.find(from, kept)) {
+        result.append(value, kept, found - kept).append(to);
+        kept = found + from.size();
     }
+    value = result.append(value, kept);
 }
 
 std::int64_t ToInteger(StringView value) {

@@ -17,7 +17,8 @@ StringView Trim(StringView value, StringView characters);
 // `value` without its first and last character when both are a double quote; else as it is.
 StringView StripQuotes(StringView value);
 
-// Compares code unit by code unit, each lowered by the runtime's wide-character lower-casing.
+// Compares code unit by code unit, each lowered as a runtime without a locale does it: the letters
+// A to Z. All words of the program are ASCII, and a user's language must not change what they mean.
 bool EqualsIgnoringCase(StringView left, StringView right);
 
 // Replaces every `from` in `value`, from left to right; what was inserted is not searched again.

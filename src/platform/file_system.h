@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -36,8 +37,10 @@ public:
     // True once a read has failed.
     bool Failed() const { return failed_; }
 
-    // The file's length in bytes; 0 for what has no length (a pipe).
-    virtual std::uint64_t Size() = 0;
+    // The file's length in bytes; nothing for what has no length, such as a pipe.
+    virtual std::optional<std::uint64_t> Size() = 0;
+    // True for a file that gives the same bytes when it is opened once more.
+    bool CanReopen() { return Size().has_value(); }
 
 protected:
     // Reads at most bytes.size() bytes. Returns the count, 0 at the end, -1 on failure.
@@ -58,7 +61,8 @@ public:
     };
     virtual ~OutputFile() = default;
 
-    // On failure returns null and `error` holds the system's text and code.
+    // On failure returns null and `error` holds the system's text and code. While the file is
+    // open others may read it; another OutputFile on it, of this process or not, cannot be opened.
     static std::unique_ptr<OutputFile> Open(ErrorRecord& error, const String& name, Mode mode);
 
     // Writes all of `bytes` at the current position. When fewer reach the file (disk full), it is

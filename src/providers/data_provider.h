@@ -28,7 +28,8 @@ public:
 
     // Reads the next row into `rows.Row`: one value per column, positions from 0.
     // track_widths: also raise each column's MaxWidth (in characters) to the longest text seen.
-    // true: a row is there. false, `error` empty: end of data. false with text: failure.
+    // true: a row is there. false, `error` still as empty as it came: end of data. false with text:
+    // failure.
     virtual bool Fetch(String& error, RowSet& rows, bool track_widths) = 0;
 
     // Moves to the next result set and describes it; false when there is none.

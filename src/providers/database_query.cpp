@@ -3,6 +3,7 @@
 #include "files/dfile.h"
 #include "files/format.h"
 #include "files/text.h"
+#include "platform/console.h"
 #include "platform/file_system.h"
 
 namespace DataProviders {
@@ -16,10 +17,12 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
     }
     ErrorRecord load_error;
     String content;
-    if (!dFile::PrepareLoadFileContent(load_error, path, content, Encoding::Ansi)) {
+    Encoding mark = Encoding::Ansi;
+    if (!dFile::PrepareLoadFileContent(load_error, path, content, Encoding::Utf8, &mark)) {
         error = Format(u"Could not load query file '%s': %s", path, load_error.text);
         return false;
     }
+    if (mark == Encoding::Utf8) dFile::DecodeAfterMark(content);
     query = text::Trim(content, text::kBlanksAndLineEnds);
     if (query.empty() && !settings.Flag(u"EmptyScriptIsNotBug", false)) {
         error = Format(u"The query file '%s' is empty", path);
@@ -34,8 +37,8 @@ bool ReadQuery(String& error, const SectionSettings& settings, String& query) {
     if (!query.empty()) return true;
     const String path = settings.Text(u"QueryFile");
     if (!path.empty()) return LoadQueryFile(error, settings, path, query);
-    String table = settings.Text(u"TableName");
-    if (table.empty()) table = settings.Text(u"Table");
+    String table = settings.ResolvedText(u"TableName");
+    if (table.empty()) table = settings.ResolvedText(u"Table");
     if (table.empty()) {
         error = u"The database query or table name is not provided.";
         return false;
@@ -70,11 +73,26 @@ bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet&
 }
 
 bool DatabaseQuery::Fetch(String& error, RowSet& rows, bool track_widths) {
-    return database_ && database_->Fetch(error, rows, track_widths);
+    if (!database_) return false;
+    const bool fetched = database_->Fetch(error, rows, track_widths);
+    if (!fetched && database_->ReadingFailed()) TellOfLostRows();
+    return fetched;
 }
 
+// A row of the next result set has its own number of values.
 bool DatabaseQuery::HasMoreData(String& error, RowSet& rows) {
-    return database_ && database_->HasMoreData(error, rows);
+    if (!database_) return false;
+    const bool more = database_->HasMoreData(error, rows);
+    if (more) rows.ClearRow();
+    if (!more && database_->ReadingFailed()) TellOfLostRows();
+    return more;
+}
+
+// The step takes a failure while reading for the end of the data. Whoever watches the job must be
+// able to find out.
+void DatabaseQuery::TellOfLostRows() const {
+    platform::WriteErrorText(
+        Format(u"Warning: reading from the database failed: %s\n", database_->LastError()));
 }
 
 bool DatabaseQuery::Close() { return database_ && database_->Close(); }

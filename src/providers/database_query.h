@@ -19,11 +19,15 @@ public:
     // "The query file '%s' is empty"
     // The database's own messages; after a failed query the query text follows on its own line.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+    // A failure of the driver ends the data; standard error then says
+    // "Warning: reading from the database failed: %s".
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool HasMoreData(String& error, RowSet& rows) override;
     bool Close() override;
 
 private:
+    void TellOfLostRows() const;
+
     std::unique_ptr<DataStorages::ODBCDatabase> database_;
 };
 

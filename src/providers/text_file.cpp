@@ -48,14 +48,14 @@ bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows
     ReadLayout(settings);
     line_pending_ = false;
     if (header_) {
-        if (!file_.ReadLine(line_)) return false;
+        if (!ReadLine(error)) return false;
         Split(OuterQuotes::Keep);
     }
     if (!rows.Columns.empty()) return true;  // opened again: the columns stay
     if (!header_) {
         // The columns are counted on the first line of data, which is delivered all the same.
-        line_pending_ = ReadDataLine();
-        if (!line_pending_) return true;
+        line_pending_ = ReadDataLine(error);
+        if (!line_pending_) return error.empty();
         Split(OuterQuotes::Strip);
     }
     DescribeColumns(rows);
@@ -68,13 +68,13 @@ bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
         error = u"'Name' parameter not specified.";
         return false;
     }
-    console_ = text::EqualsIgnoringCase(name, u"CONSOLE");
-    if (!console_ && !platform::PathExists(name)) {  // looked for before macros are replaced
+    const bool console = text::EqualsIgnoringCase(name, u"CONSOLE");
+    if (!console && !platform::PathExists(name)) {  // looked for before macros are replaced
         error = Format(u"File '%s' does not exist or inaccessible.", name);
         return false;
     }
     settings.ResolveUserMacros(name);
-    file_.SetConsoleInput(console_);
+    file_.SetConsoleInput(console);
     ErrorRecord open_error;
     if (file_.OpenForReading(open_error, name)) return true;
     error = open_error.text;
@@ -105,20 +105,23 @@ void TextFile::DescribeColumns(RowSet& rows) const {
     }
 }
 
+bool TextFile::ReadLine(String& error) {
+    if (file_.ReadLine(line_)) return true;
+    if (file_.ReadFailed()) error = u"Could not read the file to its end.";
+    return false;
+}
+
 // The next line that is no comment.
-bool TextFile::ReadDataLine() {
+bool TextFile::ReadDataLine(String& error) {
     do {
-        if (!file_.ReadLine(line_)) return false;
+        if (!ReadLine(error)) return false;
     } while (has_comments_ && line_.starts_with(comment_));
     return true;
 }
 
 bool TextFile::Fetch(String& error, RowSet& rows, bool /*track_widths*/) {
     do {
-        if (!line_pending_ && !ReadDataLine()) {
-            if (file_.ReadFailed()) error = u"Could not read the file to its end.";
-            return false;
-        }
+        if (!line_pending_ && !ReadDataLine(error)) return false;
         line_pending_ = false;
         Split(OuterQuotes::Strip);
     } while (skip_incomplete_lines_ && fields_.size() < rows.Columns.size());

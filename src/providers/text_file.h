@@ -16,20 +16,21 @@ public:
     // The file layer's messages. Without a first line, where one is needed for the columns, fails
     // without a text when `Header` is set; otherwise there are no columns.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
-    // An empty field is NULL, except in a text column.
+    // An empty field is NULL, except in a text column. Fails with
+    // "Could not read the file to its end." when the system cannot read on; so does Open.
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool Close() override;
-    bool CanReopen() const override { return !console_; }
+    bool CanReopen() const override { return file_.CanReopen(); }
 
 private:
     bool OpenInput(String& error, const SectionSettings& settings);
     void ReadLayout(const SectionSettings& settings);
-    bool ReadDataLine();
+    bool ReadLine(String& error);
+    bool ReadDataLine(String& error);
     void Split(OuterQuotes outer) { SplitLine(line_, delimiter_, quote_, outer, fields_); }
     void DescribeColumns(RowSet& rows) const;
 
     dFile file_;
-    bool console_ = false;
     bool has_comments_ = false;
     char16_t comment_ = 0;
     bool skip_incomplete_lines_ = true;

@@ -22,7 +22,7 @@ DataStep::DataStep(Configuration& configuration, std::size_t index, const RunOpt
 
 bool DataStep::Run(String& error) {
     if (!DataProviders::DataProvider::Create(error, source_settings_, source_, logger_)) {
-        return Tolerated(error);  // nothing can be moved
+        return GoesOnAfter(error);  // nothing can be moved
     }
     if (!PrepareAll(error)) return false;
     const std::uint64_t processing_start_ms = clock_.TickMs();
@@ -35,7 +35,7 @@ bool DataStep::Run(String& error) {
     const std::uint64_t processing_ms = clock_.TickMs() - processing_start_ms;
     if (target_ && !target_->Close(error)) return Manager::ReportError(error, logger_, {});
     if (source_) source_->Close();
-    if (!options_.silent) WriteStatistics(error, processing_ms);
+    if (!options_.silent) WriteStatistics(processing_ms);
     return true;
 }
 
@@ -43,7 +43,7 @@ bool DataStep::Run(String& error) {
 
 // Reports a failed preparation. True when the run goes on in spite of it; the text is then gone, so
 // that it cannot come back as that of a later failure.
-bool DataStep::Tolerated(String& error) {
+bool DataStep::GoesOnAfter(String& error) {
     Manager::ReportError(error, logger_, {});
     if (options_.stop_on_error) return false;
     error.clear();
@@ -59,12 +59,12 @@ bool DataStep::PrepareAll(String& error) {
 bool DataStep::OpenSource(String& error) {
     if (source_->Open(error, source_settings_, rows_)) return true;
     source_.reset();
-    return Tolerated(error);
+    return GoesOnAfter(error);
 }
 
 bool DataStep::CreateTarget(String& error) {
     return DataConsumers::DataConsumer::Create(error, target_settings_, target_, logger_, index_) ||
-           Tolerated(error);
+           GoesOnAfter(error);
 }
 
 bool DataStep::CreateTransformers(String& error) {
@@ -75,7 +75,7 @@ bool DataStep::CreateTransformers(String& error) {
         std::unique_ptr<DataTransformers::DataTransformer> transformer;
         if (DataTransformers::DataTransformer::Create(error, settings, transformer)) {
             transformers_.push_back(std::move(transformer));
-        } else if (!Tolerated(error)) {
+        } else if (!GoesOnAfter(error)) {
             return false;
         }
     }
@@ -86,15 +86,15 @@ bool DataStep::OpenTarget(String& error) {
     if (!target_) return true;
     if (!target_->Open(error, target_settings_)) {
         target_.reset();
-        return Tolerated(error) && TransformColumns(error);
+        return GoesOnAfter(error) && TransformColumns(error);
     }
     if (!TransformColumns(error)) return false;
-    return target_->Prepare(error, rows_) || Tolerated(error);
+    return target_->Prepare(error, rows_) || GoesOnAfter(error);
 }
 
 bool DataStep::TransformColumns(String& error) {
     for (const auto& transformer : transformers_) {
-        if (!transformer->Transform(error, rows_) && !Tolerated(error)) return false;
+        if (!transformer->Transform(error, rows_) && !GoesOnAfter(error)) return false;
     }
     return true;
 }
@@ -106,12 +106,13 @@ bool DataStep::TransformColumns(String& error) {
 void DataStep::MeasureWidths(String& error) {
     const bool wanted = configuration_.GetBool(Section::Target, u"FixedWidth", false);
     if (!wanted || !source_ || !source_->CanReopen()) return;
-    while (source_->Fetch(error, rows_, true)) {
+    String ignored;  // the second reading meets the same failure and tells of it
+    while (source_->Fetch(ignored, rows_, true)) {
     }
     std::vector<std::uint64_t> widths;
     for (const ColumnDefinition& column : rows_.Columns) widths.push_back(column.MaxWidth);
     source_->Close();
-    source_->Open(error, source_settings_, rows_);
+    if (!source_->Open(error, source_settings_, rows_)) source_.reset();  // told of at the end
     const std::size_t count = std::min(widths.size(), rows_.Columns.size());
     for (std::size_t i = 0; i < count; ++i) rows_.Columns[i].RaiseMaxWidth(widths[i]);
 }
@@ -150,11 +151,11 @@ bool DataStep::NextResultSet(String& error) {
     const bool more = source_ && source_->HasMoreData(error, rows_);
     if (more && target_) {
         if (target_->NextResultSet(error, target_settings_)) target_->Prepare(error, rows_);
+        Manager::ReportError(error, logger_, {});
     } else if (!error.empty()) {
-        String ignored;
-        logger_.Write(ignored, u"HasMoreData: " + error, 0);
-        error.clear();
+        Manager::ReportError(error, logger_, u"HasMoreData: " + error);
     }
+    error.clear();
     return more;
 }
 
@@ -165,11 +166,12 @@ void DataStep::ShowProgress() const {
 }
 
 // The total counts from the start of the run, so it is cumulative over the steps.
-void DataStep::WriteStatistics(String& error, std::uint64_t processing_ms) const {
+void DataStep::WriteStatistics(std::uint64_t processing_ms) const {
+    String ignored;
     const double total = static_cast<double>(clock_.TickMs() - options_.start_ms) / 1000.0;
     const double processing = static_cast<double>(processing_ms) / 1000.0;
     logger_.Write(
-        error,
+        ignored,
         Format(u"\nStep #%u: %I64u items done, total %3.3f seconds, processing %3.3f seconds.",
                index_, items_, total, processing),
         0);
@@ -178,6 +180,6 @@ void DataStep::WriteStatistics(String& error, std::uint64_t processing_ms) const
     if (written == 0 || total <= kShortestMeasured) return;
     const double megabytes = static_cast<double>(written) * (1.0 / 1024) * (1.0 / 1024);
     logger_.Write(
-        error, Format(u"%I64u Kbytes written or %5.2f Mb/sec.", written >> 10, megabytes / total),
+        ignored, Format(u"%I64u Kbytes written or %5.2f Mb/sec.", written >> 10, megabytes / total),
         0);
 }

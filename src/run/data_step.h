@@ -43,7 +43,7 @@ private:
     bool CreateTransformers(String& error);
     bool OpenTarget(String& error);
     bool TransformColumns(String& error);
-    bool Tolerated(String& error);
+    bool GoesOnAfter(String& error);
 
     void MeasureWidths(String& error);
     bool MoveRows(String& error);
@@ -51,7 +51,7 @@ private:
     bool NextResultSet(String& error);
     bool TransformRow(String& error);
     void ShowProgress() const;
-    void WriteStatistics(String& error, std::uint64_t processing_ms) const;
+    void WriteStatistics(std::uint64_t processing_ms) const;
 
     Configuration& configuration_;
     const std::size_t index_;

@@ -19,10 +19,11 @@ bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView mes
 bool Manager::Run(String& error, Configuration& configuration) {
     const ScopedState state(u"Manager::Run");
     silent_ = configuration.GetBool(Section::CommandLine, u"-silent", false);
-    if (!silent_) console_logger_.Write(error, BannerLine(), 0);
+    String ignored;
+    if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
     if (!LoadJob(error, configuration)) return false;
     if (!configuration.GetValue(Section::CommandLine, u"-Q", Quotes::Keep).empty()) {
-        configuration.Print(error, console_logger_);
+        configuration.Print(ignored, console_logger_);
     }
     stop_on_error_ = Configuration::GetBool(configuration.Globals(), u"StopOnError", true);
     run_start_ms_ = clock_.TickMs();

@@ -27,6 +27,9 @@ bool Succeeded(SQLRETURN result) {
     return result == SQL_SUCCESS || result == SQL_SUCCESS_WITH_INFO;
 }
 
+// A statement that changes no row ends with SQL_NO_DATA (ODBC reference, SQLExecDirect).
+bool Executed(SQLRETURN result) { return Succeeded(result) || result == SQL_NO_DATA; }
+
 void FreeHandle(SQLSMALLINT type, void*& handle) {
     if (handle != nullptr) SQLFreeHandle(type, handle);
     handle = nullptr;
@@ -52,6 +55,7 @@ bool IsQuotedType(std::int32_t type) {
         case SQL_TYPE_DATE:
         case SQL_TYPE_TIME:
         case SQL_TYPE_TIMESTAMP:
+        case SQL_TIMESTAMP:
         case SQL_BINARY:
         case SQL_VARBINARY:
         case SQL_LONGVARBINARY:
@@ -76,7 +80,10 @@ ODBCDatabase::ODBCDatabase()
     SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, value, 0);
 }
 
-ODBCDatabase::~ODBCDatabase() { FreeHandle(SQL_HANDLE_ENV, environment_); }
+ODBCDatabase::~ODBCDatabase() {
+    assert(connection_ == nullptr);
+    FreeHandle(SQL_HANDLE_ENV, environment_);
+}
 
 void ODBCDatabase::StoreDiagnostic() {
     std::array<char16_t, kMessageCharacters> message{};
@@ -94,7 +101,7 @@ void ODBCDatabase::StoreDiagnostic() {
 
 bool ODBCDatabase::Open(String& error, const String& source, const String& login,
                         const String& password) {
-    connected_ = false;
+    Close();
     if (environment_ == nullptr ||
         !Succeeded(SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_))) {
         if (environment_ != nullptr) StoreDiagnostic();
@@ -173,11 +180,12 @@ bool ODBCDatabase::PrepareStatement(String& error, const String& statement) {
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
     query_active_ = false;
-    if (!Succeeded(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) {
+    if (!Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) {
         StoreDiagnostic();
         error = u"ODBCDatabase::Query execution error: " + last_error_;
         return false;
     }
+    reading_failed_ = false;
     DescribeColumns(rows);
     query_active_ = true;
     return true;
@@ -185,7 +193,7 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
 
 bool ODBCDatabase::ExecNonQuery(String& error, const String& statement) {
     if (!PrepareStatement(error, statement)) return false;
-    if (Succeeded(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) return CloseQuery();
+    if (Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) return CloseQuery();
     StoreDiagnostic();
     error = Format(u"ODBCDatabase::ExecNonQuery execution error: %s", last_error_);
     return false;
@@ -242,11 +250,21 @@ String ODBCDatabase::TextAttribute(std::uint16_t number, std::uint16_t field, bo
 
 std::int64_t ODBCDatabase::NumberAttribute(std::uint16_t number, std::uint16_t field) const {
     SQLLEN value = 0;
-    SQLColAttributesW(statement_, number, field, nullptr, 0, nullptr, &value);
-    return value;
+    const bool told =
+        Succeeded(SQLColAttributesW(statement_, number, field, nullptr, 0, nullptr, &value));
+    return told ? value : 0;
 }
 
 // ---- Rows ----
+
+// True when a call has moved to the next row or result. Its failure counts as the end; what the
+// driver said of it is kept.
+bool ODBCDatabase::MovedOn(std::int16_t result) {
+    // A statement that returns no rows has no cursor to move: no failure either.
+    reading_failed_ = column_count_ != 0 && !Executed(result);
+    if (reading_failed_) StoreDiagnostic();
+    return Succeeded(result);
+}
 
 // Reads a column of the current row into the value buffer. `text` points there until the next read.
 ODBCDatabase::Value ODBCDatabase::ReadValue(std::uint16_t number, std::int32_t buffer_bytes,
@@ -272,7 +290,7 @@ ODBCDatabase::Value ODBCDatabase::ReadValue(std::uint16_t number, std::int32_t b
 }
 
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
-    if (!query_active_ || !Succeeded(SQLFetch(statement_))) return false;
+    if (!query_active_ || !MovedOn(SQLFetch(statement_))) return false;
     const auto count = static_cast<std::uint16_t>(column_count_);
     rows.GrowRow(count);
     for (std::uint16_t i = 0; i < count; ++i) {
@@ -300,7 +318,7 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
         error = u"ODBCDatabase::HasMoreData no active statement";
         return false;
     }
-    if (!Succeeded(SQLMoreResults(statement_))) return false;
+    if (!MovedOn(SQLMoreResults(statement_))) return false;
     DescribeColumns(rows);
     return true;
 }
@@ -316,8 +334,11 @@ String ODBCDatabase::ReadCatalogText(std::uint16_t number) {
 String ODBCDatabase::SearchPattern(const String& name) const {
     std::array<char16_t, 8> escape{};
     SQLSMALLINT length = 0;
-    SQLGetInfoW(connection_, SQL_SEARCH_PATTERN_ESCAPE, escape.data(),
-                static_cast<SQLSMALLINT>((escape.size() - 1) * sizeof(char16_t)), &length);
+    const auto bytes = static_cast<SQLSMALLINT>((escape.size() - 1) * sizeof(char16_t));
+    if (!Succeeded(
+            SQLGetInfoW(connection_, SQL_SEARCH_PATTERN_ESCAPE, escape.data(), bytes, &length))) {
+        return name;
+    }
     const String mark = TextOf(escape);
     if (mark.empty()) return name;
     String pattern;

@@ -18,7 +18,7 @@ class ODBCDatabase final : public StorageDatabase {
 public:
     // Allocates the environment and the value buffer.
     ODBCDatabase();
-    // Frees the environment. Callers close first: this does not disconnect.
+    // Frees the environment. This does not disconnect: callers close first.
     ~ODBCDatabase() override;
     ODBCDatabase(const ODBCDatabase&) = delete;
     ODBCDatabase& operator=(const ODBCDatabase&) = delete;
@@ -41,9 +41,9 @@ public:
     // The first three messages of Query, and "ODBCDatabase::ExecNonQuery execution error: %s".
     bool ExecNonQuery(String& error, const String& statement) override;
 
-    // A failing fetch ends the data without a message, as its end does; a value that cannot be read
-    // fails with the driver's diagnostic. Values longer than the buffer are cut.
-    // "ODBCDatabase::Fetch. Wrong 'definitions' array size."
+    // A failing fetch ends the data without a message, as its end does, see ReadingFailed; a value
+    // that cannot be read fails with the driver's diagnostic. Values longer than the buffer are
+    // cut. "ODBCDatabase::Fetch. Wrong 'definitions' array size."
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
 
     // "ODBCDatabase::HasMoreData no active statement"
@@ -66,6 +66,8 @@ public:
 
     // The driver's diagnostic for the last failure.
     const String& LastError() const { return last_error_; }
+    // True when the last Fetch or HasMoreData met a failure that it took for the end of the data.
+    bool ReadingFailed() const { return reading_failed_; }
 
 private:
     static constexpr std::int32_t kCatalogBufferBytes = 32'728;
@@ -77,6 +79,7 @@ private:
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
     void StoreDiagnostic();
+    bool MovedOn(std::int16_t result);
     void DescribeColumns(RowSet& rows);
     ColumnDefinition DescribeColumn(std::uint16_t number) const;
     String TextAttribute(std::uint16_t number, std::uint16_t field, bool* refused = nullptr) const;
@@ -87,6 +90,7 @@ private:
 
     bool connected_ = false;
     bool query_active_ = false;
+    bool reading_failed_ = false;
     void* environment_ = nullptr;
     void* connection_ = nullptr;
     void* statement_ = nullptr;

@@ -41,10 +41,10 @@ public:
     // Executes a statement and discards any result.
     virtual bool ExecNonQuery(String& error, const String& statement) = 0;
     // Reads the next row into `rows.Row`. track_widths: also raise each column's MaxWidth.
-    // False with an empty `error` is the end of the data.
+    // False with `error` as it came is the end of the data.
     virtual bool Fetch(String& error, RowSet& rows, bool track_widths) = 0;
-    // Moves to the statement's next result set and describes it. False with an empty `error` when
-    // there is none.
+    // Moves to the statement's next result set and describes it. False with `error` as it came
+    // when there is none.
     virtual bool HasMoreData(String& error, RowSet& rows) = 0;
     virtual bool CloseQuery() = 0;
     virtual bool Close() = 0;

@@ -26,8 +26,9 @@ class Robustness(unittest.TestCase):
     def run_job(self, job, *arguments, **options):
         if job is not None:
             self.write("job.qpr", job)
+        environment = options.pop("env", os.environ | {"LC_ALL": "C.UTF-8"})
         return subprocess.run([PROGRAM, "-config=job.qpr", "-silent", *arguments], cwd=self.path,
-                              capture_output=True, timeout=120, **options)
+                              capture_output=True, timeout=120, env=environment, **options)
 
     def assert_ends(self, result, status, output):
         self.assertEqual((result.returncode, result.stdout), (status, output), result.stderr)
@@ -143,8 +144,43 @@ class Robustness(unittest.TestCase):
         job = ("Step 1\nSource\nType=DatabaseQuery\n"
                'ConnectString="Driver=SQLite3;Database=data.db"\nQuery=create table t(a)\n'
                "Target\nType=TextFile\nName=out.txt\n")
-        self.assert_ends(self.run_job(job), 0, b"")
+        result = self.run_job(job)
+        self.assert_ends(result, 0, b"")
+        self.assertEqual(result.stderr, b"")
         self.assertEqual((self.path / "out.txt").read_bytes(), b"")
+
+    def test_fixed_width_from_a_pipe_loses_nothing(self):
+        job = COPY.format(source="/dev/stdin", target="out.txt") + "FixedWidth=1\n"
+        self.assert_ends(self.run_job(job, input=b"a\tb\n1\t2\n3\t4\n"), 0, b"")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"12\r\n34\r\n")
+
+    def test_job_file_from_a_pipe(self):
+        self.write("in.txt", "a\n1\n")
+        job = COPY.format(source="in.txt", target="out.txt").encode()
+        self.assert_ends(self.run_job(None, "-config=/dev/stdin", input=job), 0, b"")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
+
+    def test_two_writers_of_one_file(self):
+        self.write("in.txt", "a\n1\n")
+        job = COPY.format(source="in.txt", target="out.txt") + "Settings\nLog=out.txt\n"
+        self.assert_ends(self.run_job(job), 2, b"")
+        self.assertRegex((self.path / "out.txt").read_bytes(),
+                         rb"> Could not open file for writing: Resource temporarily unavailable")
+
+    def test_reading_that_fails_is_told_of(self):
+        job = ("Step 1\nSource\nType=DatabaseQuery\n"
+               'ConnectString="Driver=SQLite3;Database=data.db;StepAPI=1"\n'
+               "Query=select abs(x) from (select 1 as x union all "
+               "select -9223372036854775807 - 1)\nTarget\nType=TextFile\nName=out.txt\n")
+        result = self.run_job(job)
+        self.assert_ends(result, 0, b"")
+        self.assertRegex(result.stderr, rb"^Warning: reading from the database failed: .*overflow")
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
+
+    def test_long_lines_of_percent_signs(self):
+        self.write("in.txt", "a\n" + "%" * 4_000_000 + "\n")
+        result = self.run_job(COPY.format(source="in.txt", target="CONSOLE"))
+        self.assert_ends(result, 0, b"%" * 2_000_000 + b"\r\n")
 
 
 if __name__ == "__main__":

@@ -13,6 +13,7 @@ A job folder holds:
 Where the two systems differ, NAME.windows stands in for NAME under --windows.
 """
 import argparse
+import os
 import pathlib
 import shutil
 import subprocess
@@ -49,9 +50,10 @@ def run(command, job, scratch, windows):
     # Through files: a launcher's background process may hold on to a pipe for long.
     output, errors = pathlib.Path(scratch) / "stdout", pathlib.Path(scratch) / "stderr"
     with output.open("wb") as out, errors.open("wb") as err:
+        # System messages in English.
         returned = subprocess.run(command + ["-config=job.qpr"] + arguments, cwd=work, stdout=out,
                                   stderr=err, input=read(job, "stdin", windows, b""),
-                                  timeout=120).returncode
+                                  env=os.environ | {"LC_ALL": "C.UTF-8"}, timeout=120).returncode
     said, complained = output.read_bytes(), errors.read_bytes()
     faults = difference("standard output", read(job, "expected_stdout", windows), said)
     faults += difference("standard error", read(job, "expected_stderr", windows), complained)

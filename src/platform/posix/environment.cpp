@@ -1,6 +1,8 @@
 #include "platform/environment.h"
 
+#include <fcntl.h>
 #include <langinfo.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <csignal>
@@ -15,8 +17,19 @@ namespace platform {
 namespace {
 
 void PrepareLocale() {
+    std::setlocale(LC_MESSAGES, "");
     std::setlocale(LC_CTYPE, "");
     if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+// A standard stream that the parent closed would lend its number, and so its role, to the first
+// file that is opened.
+void OpenMissingStreams() {
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor > STDERR_FILENO) ::close(descriptor);
 }
 
 }  // namespace
@@ -35,6 +48,7 @@ String EnvironmentVariable(const String& name) {
 
 void PrepareProcess() {
     PrepareLocale();
+    OpenMissingStreams();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }

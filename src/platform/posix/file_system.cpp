@@ -1,6 +1,7 @@
 #include "platform/file_system.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -18,16 +19,23 @@ struct stat StatusOf(int descriptor) {
     return status;
 }
 
-std::uint64_t SizeOf(int descriptor) {
-    const struct stat status = StatusOf(descriptor);
-    return S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size) : 0;
+bool IsRegular(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
+
+// Keeps other writers away, who would write over each other. Readers are not concerned.
+bool LockForWriting(int descriptor) {
+    if (!IsRegular(descriptor)) return true;
+    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
 class PosixInputFile final : public InputFile {
 public:
     explicit PosixInputFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
 
-    std::uint64_t Size() override { return SizeOf(descriptor_.Get()); }
+    std::optional<std::uint64_t> Size() override {
+        const struct stat status = StatusOf(descriptor_.Get());
+        if (!S_ISREG(status.st_mode)) return std::nullopt;
+        return static_cast<std::uint64_t>(status.st_size);
+    }
 
 protected:
     std::int64_t ReadSome(std::span<std::byte> bytes) override {
@@ -72,7 +80,7 @@ public:
 private:
     // Takes the last `count` bytes off again; what is no regular file keeps them.
     void CutBack(std::size_t count) {
-        if (count == 0 || !S_ISREG(StatusOf(descriptor_.Get()).st_mode)) return;
+        if (count == 0 || !IsRegular(descriptor_.Get())) return;
         const off_t start = ::lseek(descriptor_.Get(), -static_cast<off_t>(count), SEEK_CUR);
         if (start >= 0 && ::ftruncate(descriptor_.Get(), start) != 0)
             ::lseek(descriptor_.Get(), 0, SEEK_END);
@@ -80,18 +88,6 @@ private:
 
     Descriptor descriptor_;
 };
-
-int FlagsOf(OutputFile::Mode mode) {
-    switch (mode) {
-        case OutputFile::Mode::CreateNew:
-            return O_CREAT | O_EXCL;
-        case OutputFile::Mode::Truncate:
-            return O_TRUNC;
-        case OutputFile::Mode::OpenExisting:
-            break;
-    }
-    return 0;
-}
 
 constexpr mode_t kNewFileMode = 0666;  // less the user's umask
 
@@ -117,9 +113,12 @@ std::unique_ptr<InputFile> InputFile::StandardInput() {
 }
 
 std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& name, Mode mode) {
-    const int flags = O_RDWR | O_CLOEXEC | FlagsOf(mode);
+    const int flags = O_RDWR | O_CLOEXEC | (mode == Mode::CreateNew ? O_CREAT | O_EXCL : 0);
     Descriptor descriptor(::open(ToNativeBytes(name).c_str(), flags, kNewFileMode));
-    if (descriptor.Get() < 0) {
+    const bool opened = descriptor.Get() >= 0 && LockForWriting(descriptor.Get());
+    // Emptied only now that nobody else is writing it.
+    const bool empty = mode == Mode::Truncate && opened && IsRegular(descriptor.Get());
+    if (!opened || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {
         error = SystemError();
         return nullptr;
     }

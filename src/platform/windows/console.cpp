@@ -20,7 +20,9 @@ bool IsConsole(HANDLE stream) {
 bool WriteToConsole(HANDLE console, StringView text) {
     constexpr std::size_t kMostPerCall = 8192;
     while (!text.empty()) {
-        const StringView part = text.substr(0, kMostPerCall);
+        StringView part = text.substr(0, kMostPerCall);
+        const bool splits_pair = part.size() < text.size() && (part.back() & 0xFC00) == 0xD800;
+        if (splits_pair) part.remove_suffix(1);
         DWORD written = 0;
         if (::WriteConsoleW(console, part.data(), static_cast<DWORD>(part.size()), &written,
                             nullptr) == FALSE ||

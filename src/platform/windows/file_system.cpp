@@ -11,11 +11,6 @@
 namespace platform {
 namespace {
 
-std::uint64_t SizeOf(HANDLE handle) {
-    LARGE_INTEGER size{};
-    return ::GetFileSizeEx(handle, &size) == FALSE ? 0 : static_cast<std::uint64_t>(size.QuadPart);
-}
-
 // Moves by `distance` from `origin`; the new position, or -1.
 std::int64_t Move(HANDLE handle, std::int64_t distance, DWORD origin) {
     LARGE_INTEGER wanted{};
@@ -28,7 +23,12 @@ class WindowsInputFile final : public InputFile {
 public:
     explicit WindowsInputFile(Handle handle) : handle_(std::move(handle)) {}
 
-    std::uint64_t Size() override { return SizeOf(handle_.Get()); }
+    std::optional<std::uint64_t> Size() override {
+        LARGE_INTEGER size{};
+        if (::GetFileType(handle_.Get()) != FILE_TYPE_DISK) return std::nullopt;
+        if (::GetFileSizeEx(handle_.Get(), &size) == FALSE) return std::nullopt;
+        return static_cast<std::uint64_t>(size.QuadPart);
+    }
 
 protected:
     std::int64_t ReadSome(std::span<std::byte> bytes) override {
@@ -48,9 +48,11 @@ public:
     explicit WindowsOutputFile(Handle handle) : handle_(std::move(handle)) {}
 
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
+        ::SetLastError(ERROR_SUCCESS);
         const std::size_t written = WriteFully(handle_.Get(), bytes);
         if (written == bytes.size()) return true;
-        error = SystemError();
+        const DWORD code = ::GetLastError();  // a write that was cut short may set none
+        error = SystemError(code == ERROR_SUCCESS ? ERROR_DISK_FULL : code);
         CutBack(written);
         return false;
     }
