@@ -168,6 +168,11 @@ std::uint64_t CountLineFeeds(std::span<const std::byte> bytes, Encoding encoding
     return count;
 }
 
+bool EndsWithLineFeed(std::span<const std::byte> bytes, Encoding encoding) {
+    const std::size_t unit = IsWide(encoding) ? 2 : 1;
+    return bytes.size() >= unit && CountLineFeeds(bytes.last(unit), encoding) == 1;
+}
+
 // Counts the lines that begin where the limit has cut the content; the line that it cut is one.
 std::uint64_t CountLinesPastLimit(Content& content) {
     std::vector<std::byte> chunk(dFile::kReadBufferBytes);
@@ -176,8 +181,7 @@ std::uint64_t CountLinesPastLimit(Content& content) {
     while (const std::size_t filled = content.rest->ReadFully(chunk)) {
         const std::span<const std::byte> bytes = std::span(chunk).first(filled);
         line_feeds += CountLineFeeds(bytes, content.encoding);
-        const std::size_t unit = IsWide(content.encoding) ? 2 : 1;
-        unfinished = CountLineFeeds(bytes.last(std::min(unit, filled)), content.encoding) == 0;
+        unfinished = !EndsWithLineFeed(bytes, content.encoding);
     }
     return line_feeds + (unfinished ? 1 : 0);
 }
@@ -436,7 +440,8 @@ bool dFile::LoadFileContent(ErrorRecord& error, const String& name, std::vector<
     report->lines_left_out = CountLinesAfter(content, position);
     if (!content.cut) return true;
     report->lines_left_out += CountLinesPastLimit(content);
-    if (!ended) --report->last_line;  // the limit has cut this line
+    if (!ended && !EndsWithLineFeed(content.bytes, content.encoding))
+        --report->last_line;  // the limit has cut this line
     return true;
 }
 

@@ -45,18 +45,20 @@ void ReplaceAll(String& value, StringView from, StringView to) {
 }
 
 std::int64_t ToInteger(StringView value) {
-    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    using Limits = std::numeric_limits<std::int64_t>;
     const std::size_t start = std::min(value.find_first_not_of(kBlanksAndLineEnds), value.size());
     value.remove_prefix(start);
     const bool negative = value.starts_with(u'-');
     if (negative || value.starts_with(u'+')) value.remove_prefix(1);
-    std::int64_t number = 0;
+    std::int64_t number = 0;  // counted downwards: the range reaches further there
     for (const char16_t unit : value) {
         if (!IsDigit(unit)) break;
         const std::int64_t digit = unit - u'0';
-        number = number > (kMost - digit) / 10 ? kMost : number * 10 + digit;
+        if (number < (Limits::min() + digit) / 10) return negative ? Limits::min() : Limits::max();
+        number = number * 10 - digit;
     }
-    return negative ? -number : number;
+    if (negative) return number;
+    return number == Limits::min() ? Limits::max() : -number;
 }
 
 String Widen(std::string_view bytes) {
