@@ -19,7 +19,11 @@ namespace {
 void PrepareLocale() {
     std::setlocale(LC_MESSAGES, "");
     std::setlocale(LC_CTYPE, "");
-    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0) return;
+    // In the environment too: some ODBC drivers set the locale from it once more.
+    constexpr const char* kFallback = "C.UTF-8";
+    std::setlocale(LC_CTYPE, kFallback);
+    ::setenv("LC_ALL", kFallback, 1);
 }
 
 // A standard stream that the parent closed would lend its number, and so its role, to the first
