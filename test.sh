@@ -3,6 +3,7 @@
 # and, for the Windows program, under Wine. The last line counts them all: "N passed, N failed".
 #   --native   leave Windows out
 set -uo pipefail
+export LC_ALL=C.UTF-8  # texts of programs and of the system in English, file names in UTF-8
 cd "$(dirname "$0")" || exit 1
 . scripts/packages.sh
 
