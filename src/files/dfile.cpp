@@ -152,6 +152,10 @@ bool ReadContent(ErrorRecord& error, const String& name, Content& content) {
     SkipMark(*content.rest, content.encoding);
     content.bytes.resize(wanted);
     content.bytes.resize(content.rest->ReadFully(content.bytes));
+    if (content.rest->Failed()) {
+        error.text = u"Could not read the file to its end.";
+        return false;
+    }
     content.cut = size.value_or(0) > dFile::kReadBufferBytes;
     return true;
 }

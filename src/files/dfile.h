@@ -80,6 +80,7 @@ public:
     // Loads a file as one text, at most kReadBufferBytes of it. default_encoding: of a file without
     // a mark. After a UTF-8 mark the text begins with the mark's last byte (U+00BF), and so comes
     // out one character a byte; see DecodeAfterMark. mark: what the file's mark says.
+    // The loaders fail as OpenFile does, and with "Could not read the file to its end.".
     static bool PrepareLoadFileContent(ErrorRecord& error, const String& name, String& text,
                                        Encoding default_encoding, Encoding* mark = nullptr);
 
