@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/strings.h"
 #include "platform/environment.h"
 
 namespace testing_support {
@@ -15,7 +14,6 @@ inline String PostgresConnectString() {
 }  // namespace testing_support
 
 // Leaves a test out where there is no server to run it on.
-#define SKIP_WITHOUT_POSTGRES()                                                            \
-    if (testing_support::PostgresConnectString().empty())                                  \
-    GTEST_SKIP() << "no PostgreSQL: QUILLON_TEST_POSTGRES is not set to a connect string " \
-                    "(tests/servers/postgres.sh start DIR prints one)"
+#define SKIP_WITHOUT_POSTGRES()                           \
+    if (testing_support::PostgresConnectString().empty()) \
+    GTEST_SKIP() << "QUILLON_TEST_POSTGRES holds no connect string, see tests/servers/postgres.sh"

@@ -1,13 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string_view>
-#include <utility>
-#include <vector>
-
 #include "base/utf8.h"
-#include "config/configuration.h"
 #include "config/section_settings.h"
 #include "support/scratch.h"
 
@@ -19,10 +12,10 @@ using Settings = std::vector<std::pair<String, String>>;
 class OneStep {
 public:
     explicit OneStep(const platform::Clock& clock = platform::SystemClock(),
-                     std::string_view globals = "")
+                     const std::string& globals = "")
         : configuration_(clock) {
         const ScratchFolder folder;
-        folder.Write("job", "Globals\n" + std::string(globals) + "Step #1\nSettings\n");
+        folder.Write("job", "Globals\n" + globals + "Step #1\nSettings\n");
         String error;
         EXPECT_TRUE(configuration_.Read(error, folder.Path("job"))) << ToUtf8(error);
     }
@@ -40,32 +33,24 @@ private:
     Configuration configuration_;
 };
 
-// One row as text: values separated by "|", "<null>" for NULL.
-inline std::string RowText(const DataRow& row) {
-    std::string text;
-    for (const DataValue& value : row) {
-        if (&value != row.data()) text += "|";
-        text += value.IsNull ? "<null>" : ToUtf8(value.Text);
-    }
-    return text;
-}
-
-// The names of the columns, separated by "|".
+// The names of the columns, each with "|" behind it.
 inline std::string ColumnNames(const RowSet& rows) {
     std::string text;
-    for (const ColumnDefinition& column : rows.Columns) {
-        if (&column != rows.Columns.data()) text += "|";
-        text += ToUtf8(column.Name);
-    }
+    for (const ColumnDefinition& column : rows.Columns) text += ToUtf8(column.Name) + "|";
     return text;
 }
 
-// All rows that are left in the current result set of a source or a database.
+// All rows that are left in the current result set of a source or a database: the values of each,
+// "<null>" for NULL, each with "|" behind it.
 template <class Rows>
 std::vector<std::string> FetchAll(Rows& from, RowSet& rows, bool track_widths = false) {
     std::vector<std::string> all;
     String error;
-    while (from.Fetch(error, rows, track_widths)) all.push_back(RowText(rows.Row));
+    while (from.Fetch(error, rows, track_widths)) {
+        all.emplace_back();
+        for (const DataValue& value : rows.Row)
+            all.back() += (value.IsNull ? "<null>" : ToUtf8(value.Text)) + "|";
+    }
     EXPECT_EQ(ToUtf8(error), "");
     return all;
 }

@@ -3,12 +3,8 @@
 #include "base/utf8.h"
 #include "support/sqlite.h"
 
-namespace testing_support {
+String testing_support::DriverPath(const String& path) { return path; }
 
-String DriverPath(const String& path) { return path; }
-
-bool SetDriverEnvironment(const char* name, const String& value) {
-    return ::setenv(name, ToNativeBytes(value).c_str(), 1) == 0;
+bool testing_support::SetDriverEnvironment(const char* name, const String& value) {
+    return ::setenv(name, ToUtf8(value).c_str(), 1) == 0;
 }
-
-}  // namespace testing_support

@@ -1,0 +1,3 @@
+
+	 select 'file', 'a  b'	
+ 

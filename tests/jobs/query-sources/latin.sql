@@ -1,0 +1,1 @@
+select 'no UTF-8 zé'

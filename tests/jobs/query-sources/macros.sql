@@ -1,0 +1,1 @@
+select '$COLUMN$ $WHO$', $COLUMN$ from $DATA$

@@ -1,0 +1,1 @@
+﻿select 'UTF-8 with a mark ž'

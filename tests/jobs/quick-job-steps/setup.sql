@@ -1,0 +1,1 @@
+create table items as select 1 as id, 'a;b' as name;
