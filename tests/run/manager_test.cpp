@@ -95,7 +95,7 @@ TEST_F(ManagerTest, MovesAllResultSets) {
 }
 
 TEST_F(ManagerTest, WritesStatisticsOfEachStep) {
-    folder_.Write("in.txt", "1\n" + std::string(3 * 1024 * 1024, 'x') + "\n");
+    folder_.Write("in.txt", "1\n" + std::string(3'145'728, 'x') + "\n");
     clock_.ticks_ms = {1000, 1000, 1001, 1025, 1025, 1026, 1026,
                        2000, 3250, 4000, 4000, 5001, 7500};
     EXPECT_TRUE(Run(kCopyStep + kCopyStep + kCopyStep + "Step #\n" + kSource, {"-Log=@log"}));
@@ -150,8 +150,9 @@ TEST_F(ManagerTest, StopsOrGoesOnAfterFailure) {
 TEST_F(ManagerTest, LogsToTheFileOfTheRunOrTheStep) {
     const std::string mark = "\xEF\xBB\xBF", wide_mark = "\xFF\xFE";
     const std::string record = Record("Incorrect type for source 'ž😀'.");
-    std::string wide = wide_mark;
-    for (const char16_t unit : Here(record)) wide.append({char(unit & 0xFF), char(unit >> 8)});
+    const String units = Here(record);
+    const std::string wide =
+        wide_mark + std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2);
     // clang-format off
     const struct { const char *settings, *argument, *log; std::string before, after; } kCases[] = {
         {"Log=@step.log\n", "", "step.log", "", record},
