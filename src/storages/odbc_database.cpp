@@ -23,6 +23,8 @@ SQLWCHAR* ToOdbc(const char16_t* text) {
 }
 SQLWCHAR* ToOdbc(const String& text) { return ToOdbc(text.c_str()); }
 
+SQLSMALLINT LengthOf(const String& text) { return static_cast<SQLSMALLINT>(text.size()); }
+
 bool Succeeded(SQLRETURN result) {
     return result == SQL_SUCCESS || result == SQL_SUCCESS_WITH_INFO;
 }
@@ -129,8 +131,9 @@ bool ODBCDatabase::Connect(String& error, const String& source, const String& lo
                        last_error_);
         return false;
     }
-    if (Succeeded(SQLConnectW(connection_, ToOdbc(source), SQL_NTS, ToOdbc(login), SQL_NTS,
-                              ToOdbc(password), SQL_NTS))) {
+    // The lengths spare unixODBC a count of its own, which runs past the end of short texts.
+    if (Succeeded(SQLConnectW(connection_, ToOdbc(source), LengthOf(source), ToOdbc(login),
+                              LengthOf(login), ToOdbc(password), LengthOf(password)))) {
         return true;
     }
     StoreDiagnostic();
