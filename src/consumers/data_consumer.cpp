@@ -1,26 +1,34 @@
 #include "consumers/data_consumer.h"
 
 #include "base/activity_trail.h"
+#include "consumers/excel_file.h"
+#include "consumers/html_file.h"
+#include "consumers/json_file.h"
+#include "consumers/rtf_file.h"
+#include "consumers/sql_script.h"
 #include "consumers/text_file.h"
+#include "consumers/xml_file.h"
 #include "core/logger.h"
+#include "core/type_table.h"
 #include "files/format.h"
-#include "files/text.h"
 
 namespace DataConsumers {
 namespace {
 
-template <class Consumer>
-std::unique_ptr<DataConsumer> Make() {
-    return std::make_unique<Consumer>();
+template <SQLScript::Statement kStatement>
+std::unique_ptr<DataConsumer> MakeScript() {
+    return std::make_unique<SQLScript>(kStatement);
 }
 
-struct Type {
-    StringView word;
-    std::unique_ptr<DataConsumer> (*make)();
-};
-
-constexpr Type kTypes[] = {
-    {u"TextFile", Make<TextFile>},
+constexpr TypeWord<DataConsumer> kTypes[] = {
+    {u"TextFile", MakeOf<DataConsumer, TextFile>},
+    {u"SQLScript", MakeScript<SQLScript::Statement::Insert>},
+    {u"XMLFile", MakeOf<DataConsumer, XMLFile>},
+    {u"JSONFile", MakeOf<DataConsumer, JSONFile>},
+    {u"ExcelFile", MakeOf<DataConsumer, ExcelFile>},
+    {u"HtmlFile", MakeOf<DataConsumer, HtmlFile>},
+    {u"RTFFile", MakeOf<DataConsumer, RTFFile>},
+    {u"DDLScript", MakeScript<SQLScript::Statement::CreateTable>},
 };
 
 }  // namespace
@@ -30,9 +38,9 @@ bool DataConsumer::Create(String& error, const SectionSettings& settings,
                           std::size_t step) {
     const ScopedState state(u"DataConsumer::Create");
     const String word = settings.Text(u"Type");
-    for (const Type& type : kTypes) {
-        if (!text::EqualsIgnoringCase(word, type.word)) continue;
-        consumer = type.make();
+    std::unique_ptr<DataConsumer> made = MakeByWord(kTypes, word);
+    if (made) {
+        consumer = std::move(made);
         return true;
     }
     if (!word.empty()) {

@@ -29,28 +29,23 @@ bool TextFile::Open(String& error, const SectionSettings& settings) {
     end_of_line_ = settings.Text(u"EndOfLine", u"CRLF") == u"LF" ? u"\n" : u"\r\n";
     delimiter_ = DelimiterOf(settings.Text(u"Delimiter", u"tab"));
     header_ = settings.Flag(u"Header", false);
-    overwrite_ = settings.Flag(u"Overwrite", false);
+    append_ = !settings.Flag(u"Overwrite", false);
     null_is_empty_ = settings.Flag(u"NullIsEmptyString", false);
     quote_ = settings.Text(u"QuoteChar", u"\"");
     fixed_width_ = settings.Flag(u"FixedWidth", false);
     one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
 
     const bool existed = platform::PathExists(name);
-    header_pending_ = header_ && (overwrite_ || !existed);
+    header_pending_ = header_ && !(append_ && existed);
     header_delayed_ = false;
     return OpenOutput(error, name);
 }
 
 bool TextFile::OpenOutput(String& error, const String& name) {
     console_ = IsConsoleName(name);
-    if (console_) {
-        terminal_ = platform::StandardOutputIsTerminal();
-        return true;
-    }
-    ErrorRecord open_error;
-    if (file_.Open(open_error, name, encoding_, !overwrite_)) return true;
-    error = open_error.text;
-    return false;
+    if (!console_) return OpenFile(error, name);
+    terminal_ = platform::StandardOutputIsTerminal();
+    return true;
 }
 
 bool TextFile::Prepare(String& error, RowSet& rows) {
@@ -116,7 +111,7 @@ bool TextFile::Write(String& error, RowSet& rows) {
 }
 
 // Writes the header that still waits for a row to tell its widths.
-bool TextFile::WriteDelayedHeader(String& error) {
+bool TextFile::EndFile(String& error) {
     if (!header_delayed_) return true;
     header_delayed_ = false;
     line_ = delayed_header_;
@@ -124,19 +119,9 @@ bool TextFile::WriteDelayedHeader(String& error) {
 }
 
 bool TextFile::WriteLine(String& error) {
-    if (console_) {
-        error.clear();  // a write that fails has no text, nor may an earlier one stand for it
-        return WriteToConsole();
-    }
-    ErrorRecord write_error;
-    std::size_t size = 0;
-    const bool written = file_.Write(write_error, line_, &size);
-    if (!written) {
-        error = write_error.text;
-        return false;
-    }
-    written_size_ += size;
-    return true;
+    if (!console_) return WriteText(error, line_);
+    error.clear();  // a write that fails has no text, nor may an earlier one stand for it
+    return WriteToConsole();
 }
 
 // The line is a format text without arguments: "%%" stands for one percent sign. Directives that
@@ -149,7 +134,7 @@ bool TextFile::WriteToConsole() {
 }
 
 bool TextFile::NextResultSet(String& error, const SectionSettings& settings) {
-    if (!WriteDelayedHeader(error)) return false;
+    if (!EndFile(error)) return false;
     if (one_file_per_result_set_) {
         if (!Close(error)) return false;
         if (!OpenOutput(error, settings.ResolvedText(u"Name", u"CONSOLE"))) return false;
@@ -157,12 +142,6 @@ bool TextFile::NextResultSet(String& error, const SectionSettings& settings) {
     line_.clear();
     if (header_) header_pending_ = true;
     return true;
-}
-
-bool TextFile::Close(String& error) {
-    const bool header_written = WriteDelayedHeader(error);
-    if (!console_) file_.Close();
-    return header_written;
 }
 
 }  // namespace DataConsumers

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "consumers/data_consumer.h"
-#include "files/dfile.h"
+#include "consumers/file_target.h"
 
 namespace DataConsumers {
 
@@ -11,7 +10,7 @@ namespace DataConsumers {
 //     Blue "sky"<TAB>12.50
 //
 // Quote characters and line breaks inside a value are written as they are.
-class TextFile final : public DataConsumer {
+class TextFile final : public FileTarget {
 public:
     bool Open(String& error, const SectionSettings& settings) override;
     bool Prepare(String& error, RowSet& rows) override;
@@ -19,37 +18,31 @@ public:
     // messages.
     bool Write(String& error, RowSet& rows) override;
     bool NextResultSet(String& error, const SectionSettings& settings) override;
-    bool Close(String& error) override;
 
 private:
     enum class Quotation { Never, ByValue, Always };
 
+    bool EndFile(String& error) override;
     bool OpenOutput(String& error, const String& name);
     void AppendField(StringView value, const ColumnDefinition& column, bool first);
     void ComposeHeader(const RowSet& rows);
-    bool WriteDelayedHeader(String& error);
     bool WriteLine(String& error);
     bool WriteToConsole();
 
-    Encoding encoding_ = Encoding::Ansi;
     Quotation quotation_ = Quotation::Never;
     String end_of_line_;
     String delimiter_;
     String quote_;
     bool header_ = false;
-    bool overwrite_ = false;
     bool null_is_empty_ = false;
     bool fixed_width_ = false;
-    bool one_file_per_result_set_ = false;
 
     bool console_ = false;
     bool header_pending_ = false;  // the next Prepare brings the header
     bool header_delayed_ = false;  // Prepare came, but the widths are known with the first row only
     String delayed_header_;        // the header as it stands should no row come
     bool terminal_ = false;        // the console is a terminal and takes text
-    dFile file_;
     TextEncoder console_encoder_;
-    String line_;  // reused, so a row costs no allocation
 };
 
 }  // namespace DataConsumers

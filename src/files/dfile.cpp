@@ -424,6 +424,13 @@ bool dFile::PrepareLoadFileContent(ErrorRecord& error, const String& name, Strin
     return true;
 }
 
+bool dFile::LoadText(ErrorRecord& error, const String& name, String& text) {
+    Encoding mark = Encoding::Ansi;
+    if (!PrepareLoadFileContent(error, name, text, Encoding::Utf8, &mark)) return false;
+    if (mark == Encoding::Utf8) DecodeAfterMark(text);
+    return true;
+}
+
 bool dFile::LoadFileContent(ErrorRecord& error, const String& name, std::vector<String>& lines,
                             LoadReport* report) {
     const ScopedState state(u"dFile::LoadFileContent");

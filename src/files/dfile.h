@@ -84,6 +84,10 @@ public:
     static bool PrepareLoadFileContent(ErrorRecord& error, const String& name, String& text,
                                        Encoding default_encoding, Encoding* mark = nullptr);
 
+    // Loads a file as one text, by its mark, which goes. A file without one is UTF-8, or where it
+    // is not valid UTF-8 taken one character a byte.
+    static bool LoadText(ErrorRecord& error, const String& name, String& text);
+
     // Loads a file as lines. The first line that comes out empty ends the list; see GetLine.
     static bool LoadFileContent(ErrorRecord& error, const String& name, std::vector<String>& lines,
                                 LoadReport* report = nullptr);

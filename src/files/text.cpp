@@ -30,6 +30,12 @@ bool EqualsIgnoringCase(StringView left, StringView right) {
                       [](char16_t a, char16_t b) { return Lower(a) == Lower(b); });
 }
 
+String Lowered(StringView value) {
+    String lowered(value);
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(), Lower);
+    return lowered;
+}
+
 void ReplaceAll(String& value, StringView from, StringView to) {
     if (from.empty()) return;
     std::size_t found = value.find(from);

@@ -21,6 +21,9 @@ StringView StripQuotes(StringView value);
 // A to Z. All words of the program are ASCII, and a user's language must not change what they mean.
 bool EqualsIgnoringCase(StringView left, StringView right);
 
+// `value` with the letters A to Z made small.
+String Lowered(StringView value);
+
 // Replaces every `from` in `value`, from left to right; what was inserted is not searched again.
 // An empty `from` replaces nothing.
 void ReplaceAll(String& value, StringView from, StringView to);

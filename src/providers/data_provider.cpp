@@ -1,27 +1,17 @@
 #include "providers/data_provider.h"
 
+#include "core/type_table.h"
 #include "files/format.h"
-#include "files/text.h"
 #include "providers/database_query.h"
 #include "providers/text_file.h"
 
 namespace DataProviders {
 namespace {
 
-template <class Provider>
-std::unique_ptr<DataProvider> Make() {
-    return std::make_unique<Provider>();
-}
-
-struct Type {
-    StringView word;
-    std::unique_ptr<DataProvider> (*make)();
-};
-
-constexpr Type kTypes[] = {
-    {u"DatabaseQuery", Make<DatabaseQuery>},
-    {u"DatabaseTable", Make<DatabaseQuery>},
-    {u"TextFile", Make<TextFile>},
+constexpr TypeWord<DataProvider> kTypes[] = {
+    {u"DatabaseQuery", MakeOf<DataProvider, DatabaseQuery>},
+    {u"DatabaseTable", MakeOf<DataProvider, DatabaseQuery>},
+    {u"TextFile", MakeOf<DataProvider, TextFile>},
 };
 
 }  // namespace
@@ -29,9 +19,9 @@ constexpr Type kTypes[] = {
 bool DataProvider::Create(String& error, const SectionSettings& settings,
                           std::unique_ptr<DataProvider>& provider, Quillon::Logger&) {
     const String word = settings.Text(u"Type");
-    for (const Type& type : kTypes) {
-        if (!text::EqualsIgnoringCase(word, type.word)) continue;
-        provider = type.make();
+    std::unique_ptr<DataProvider> made = MakeByWord(kTypes, word);
+    if (made) {
+        provider = std::move(made);
         return true;
     }
     error = Format(u"Incorrect type for source '%s'.", word);

@@ -17,12 +17,10 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
     }
     ErrorRecord load_error;
     String content;
-    Encoding mark = Encoding::Ansi;
-    if (!dFile::PrepareLoadFileContent(load_error, path, content, Encoding::Utf8, &mark)) {
+    if (!dFile::LoadText(load_error, path, content)) {
         error = Format(u"Could not load query file '%s': %s", path, load_error.text);
         return false;
     }
-    if (mark == Encoding::Utf8) dFile::DecodeAfterMark(content);
     query = text::Trim(content, text::kBlanksAndLineEnds);
     if (query.empty() && !settings.Flag(u"EmptyScriptIsNotBug", false)) {
         error = Format(u"The query file '%s' is empty", path);

@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
+#include "core/sql_types.h"
 #include "files/format.h"
 #include "files/text.h"
 #include "platform/file_system.h"
 
 namespace DataProviders {
 namespace {
-
-// ODBC type codes of the columns; see the ODBC reference, "SQL data types".
-constexpr std::int32_t kSqlInteger = 4;
-constexpr std::int32_t kSqlFloat = 6;
-constexpr std::int32_t kSqlWVarchar = -9;
 
 struct ColumnType {
     StringView word;

@@ -102,19 +102,23 @@ bool DataStep::TransformColumns(String& error) {
 // ---- Rows ----
 
 // Reads the whole source once, so that fixed-width columns can be lined up, and opens it again. A
-// source that describes its columns anew keeps the widths that were measured.
+// source that describes its columns anew keeps the widths that were measured, and what the
+// transformers made of the columns.
 void DataStep::MeasureWidths(String& error) {
     const bool wanted = configuration_.GetBool(Section::Target, u"FixedWidth", false);
     if (!wanted || !source_ || !source_->CanReopen()) return;
     String ignored;  // the second reading meets the same failure and tells of it
     while (source_->Fetch(ignored, rows_, true)) {
     }
-    std::vector<std::uint64_t> widths;
-    for (const ColumnDefinition& column : rows_.Columns) widths.push_back(column.MaxWidth);
+    std::vector<ColumnDefinition> measured = rows_.Columns;
+    for (ColumnDefinition& column : measured) {
+        if (column.MaxWidth != 0) column.RaiseMaxWidth(column.Name.size());  // a new name counts
+    }
     source_->Close();
     if (!source_->Open(error, source_settings_, rows_)) source_.reset();  // told of at the end
-    const std::size_t count = std::min(widths.size(), rows_.Columns.size());
-    for (std::size_t i = 0; i < count; ++i) rows_.Columns[i].RaiseMaxWidth(widths[i]);
+    const std::size_t count = std::min(measured.size(), rows_.Columns.size());
+    std::move(measured.begin(), measured.begin() + static_cast<std::ptrdiff_t>(count),
+              rows_.Columns.begin());
 }
 
 bool DataStep::MoveRows(String& error) {

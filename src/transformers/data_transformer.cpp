@@ -1,14 +1,35 @@
 #include "transformers/data_transformer.h"
 
 #include "base/activity_trail.h"
+#include "core/type_table.h"
 #include "files/format.h"
+#include "transformers/change_data_type.h"
+#include "transformers/remove_column.h"
+#include "transformers/rename_column.h"
+#include "transformers/replace_string.h"
 
 namespace DataTransformers {
+namespace {
+
+constexpr TypeWord<DataTransformer> kTypes[] = {
+    {u"RemoveColumn", MakeOf<DataTransformer, RemoveColumn>},
+    {u"RenameColumn", MakeOf<DataTransformer, RenameColumn>},
+    {u"ReplaceString", MakeOf<DataTransformer, ReplaceString>},
+    {u"ChangeDataType", MakeOf<DataTransformer, ChangeDataType>},
+};
+
+}  // namespace
 
 bool DataTransformer::Create(String& error, const SectionSettings& settings,
-                             std::unique_ptr<DataTransformer>&) {
+                             std::unique_ptr<DataTransformer>& transformer) {
     const ScopedState state(u"DataTransformer::Create");
-    error = Format(u"Transformer type '%s' is not supported yet", settings.Text(u"Type"));
+    const String word = settings.Text(u"Type");
+    std::unique_ptr<DataTransformer> made = MakeByWord(kTypes, word);
+    if (made) {
+        transformer = std::move(made);
+        return transformer->Configure(error, settings);
+    }
+    error = Format(u"Transformer type '%s' is not supported yet", word);
     return false;
 }
 

@@ -1,0 +1,103 @@
+#include "consumers/sql_script.h"
+
+#include "consumers/sql_statement.h"
+#include "files/text.h"
+
+namespace DataConsumers {
+namespace {
+
+constexpr StringView kTableMacro = u"$TABLE$";
+
+}  // namespace
+
+bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
+    settings_ = settings;
+    table_setting_ = settings.Text(u"Table");
+    if (table_setting_.empty()) {
+        error = u"Output table name is not provided.";
+        return false;
+    }
+    encoding_ = EncodingFromWord(settings.Text(u"Encoding"));
+    delimiter_ = settings.Text(u"Delimiter");
+    batch_size_ = text::ToInteger(settings.Text(u"BatchSize", u"1"));
+    column_list_ = settings.Flag(u"ColumnList", false);
+    append_ = !settings.Flag(u"Overwrite", false);
+    return true;
+}
+
+// A statement never spans two files.
+bool SQLScript::BeginFile(String& /*error*/) {
+    line_.clear();
+    rows_in_batch_ = 0;
+    prepare_pending_ = true;
+    return true;
+}
+
+bool SQLScript::Prepare(String& /*error*/, RowSet& rows) {
+    if (!prepare_pending_) return true;
+    prepare_pending_ = false;
+    table_ = table_setting_;
+    settings_->ResolveAllMacros(table_);
+    if (statement_ == Statement::Insert) {
+        prefix_ = sql::InsertPrefix(table_, rows.Columns, column_list_);
+    }
+    return true;
+}
+
+bool SQLScript::Write(String& error, RowSet& rows) {
+    const bool appended = statement_ == Statement::Insert ? AppendRow(rows) : AppendColumn(rows);
+    if (!appended) {
+        error = u"Cound not build SQL statement";  // published spelling
+        return false;
+    }
+    if (statement_ == Statement::CreateTable) return true;
+    if (++rows_in_batch_ == batch_size_) return EndStatement(error);
+    if (batch_size_ < 1) rows_in_batch_ = 0;  // never written, so not kept either
+    return true;
+}
+
+bool SQLScript::AppendRow(const RowSet& rows) {
+    if (rows_in_batch_ > 0) {
+        line_ += u",\r\n  ";
+    } else {
+        line_ = prefix_;
+    }
+    return sql::AppendValueList(line_, rows.Columns, rows.Row);
+}
+
+bool SQLScript::AppendColumn(const RowSet& rows) {
+    if (line_.empty()) {
+        const bool named_by_rows = table_setting_ == kTableMacro && !rows.TableName.empty();
+        sql::AppendCreateTable(line_, named_by_rows
+                                          ? sql::QualifiedName{rows.SchemaName, rows.TableName}
+                                          : sql::DivideName(table_));
+    } else {
+        line_ += u',';
+    }
+    return sql::AppendColumnLine(line_, rows.Row);
+}
+
+bool SQLScript::EndStatement(String& error) {
+    line_ += delimiter_;
+    line_ += u"\r\n";
+    const bool written = WriteText(error, line_);
+    line_.clear();
+    rows_in_batch_ = 0;
+    return written;
+}
+
+bool SQLScript::ContinueFile(String& error) {
+    if (!EndFile(error)) return false;
+    prepare_pending_ = true;
+    return true;
+}
+
+bool SQLScript::EndFile(String& error) {
+    if (statement_ == Statement::CreateTable) {
+        line_ += u')';
+        return EndStatement(error);
+    }
+    return rows_in_batch_ == 0 || EndStatement(error);
+}
+
+}  // namespace DataConsumers

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "consumers/file_target.h"
+
+namespace DataConsumers {
+
+// Writes the rows as insert statements, or, for the type "DDLScript", takes each row as the
+// description of a column and writes a create table statement.
+//
+//     insert into "Orders"("Id","Name") values (1,'O''Brien'),
+//       (2,NULL);
+//
+//     create table "Orders" (
+//      Id integer not null,
+//      Name varchar(40) null);
+//
+// Open fails with "Output table name is not provided.", Write with "Cound not build SQL statement"
+// for a row that does not have its columns.
+class SQLScript final : public FileTarget {
+public:
+    enum class Statement { Insert, CreateTable };
+    explicit SQLScript(Statement statement) : statement_(statement) {}
+
+    // Takes the table and the columns for the rows that follow.
+    bool Prepare(String& error, RowSet& rows) override;
+    bool Write(String& error, RowSet& rows) override;
+
+private:
+    bool ReadSettings(String& error, const SectionSettings& settings) override;
+    bool BeginFile(String& error) override;
+    bool ContinueFile(String& error) override;
+    bool EndFile(String& error) override;
+
+    bool AppendRow(const RowSet& rows);
+    bool AppendColumn(const RowSet& rows);
+    bool EndStatement(String& error);
+
+    const Statement statement_;
+    std::optional<SectionSettings> settings_;  // macros in the table's name change with the rows
+    String table_setting_;
+    String table_;  // macros replaced
+    String delimiter_;
+    std::int64_t batch_size_ = 1;
+    bool column_list_ = false;
+
+    bool prepare_pending_ = false;
+    String prefix_;                   // of the insert statements
+    std::int64_t rows_in_batch_ = 0;  // in line_, the statement that is being put together
+};
+
+}  // namespace DataConsumers

@@ -1,0 +1,142 @@
+#include "consumers/sql_statement.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "consumers/escaping.h"
+#include "files/format.h"
+#include "files/text.h"
+
+namespace sql {
+namespace {
+
+// Positions of the values that describe a column.
+enum Described : std::size_t { kColumn = 1, kTypeName, kSize, kDigits, kNullable, kDefault };
+
+void AppendQuoted(String& statement, StringView name) {
+    statement += u'"';
+    statement += name;
+    statement += u'"';
+}
+
+void AppendDoublingQuotes(String& statement, StringView value) {
+    AppendEscaped(
+        statement, value, [](char16_t unit) { return unit == u'\''; },
+        [](String& out, char16_t) { out += u"''"; });
+}
+
+StringView StripQuotesOrBrackets(StringView name) {
+    const bool enclosed = name.size() >= 2 && ((name.front() == u'"' && name.back() == u'"') ||
+                                               (name.front() == u'[' && name.back() == u']'));
+    return enclosed ? name.substr(1, name.size() - 2) : name;
+}
+
+StringView TextOf(const DataRow& row, std::size_t position) {
+    if (position >= row.size() || row[position].IsNull) return {};
+    return row[position].Text;
+}
+
+bool HoldsOneOf(StringView text, std::initializer_list<StringView> words) {
+    return std::any_of(words.begin(), words.end(),
+                       [&](StringView word) { return text.find(word) != StringView::npos; });
+}
+
+String SizePart(const DataRow& row) {
+    const String type = text::Lowered(TextOf(row, kTypeName));
+    const bool has_digits = HoldsOneOf(type, {u"numeric", u"number", u"money"});
+    StringView size = TextOf(row, kSize);
+    if (size.empty() || (!has_digits && !HoldsOneOf(type, {u"char", u"binary"}))) return {};
+    if (size == u"0") size = u"max";
+    const StringView digits = TextOf(row, kDigits);
+    if (!has_digits || digits.empty() || digits == u"0") return Format(u"(%s)", size);
+    return Format(u"(%s,%s)", size, digits);
+}
+
+String DefaultPart(const DataRow& row) {
+    const StringView value = TextOf(row, kDefault);
+    return value.empty() ? String() : Format(u" default %s ", value);
+}
+
+}  // namespace
+
+String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& columns,
+                    bool column_list) {
+    String prefix = u"insert into ";
+    if (table.find_first_of(u".[\"") == StringView::npos) {
+        AppendQuoted(prefix, table);
+    } else {
+        prefix += table;
+    }
+    if (column_list) {
+        prefix += u'(';
+        bool first = true;
+        for (const ColumnDefinition& column : columns) {
+            if (!column.Included) continue;
+            if (!first) prefix += u',';
+            first = false;
+            AppendQuoted(prefix, column.Name);
+        }
+        prefix += u')';
+    }
+    return prefix += u" values";
+}
+
+bool AppendValueList(String& statement, const std::vector<ColumnDefinition>& columns,
+                     const DataRow& row) {
+    if (row.size() != columns.size()) return false;
+    statement += u" (";
+    bool first = true;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (!row[i].Included) continue;
+        if (!first) statement += u',';
+        first = false;
+        if (row[i].IsNull) {
+            statement += u"NULL";
+            continue;
+        }
+        statement += columns[i].LiteralPrefix;
+        AppendDoublingQuotes(statement, row[i].Text);
+        statement += columns[i].LiteralSuffix;
+    }
+    statement += u')';
+    return true;
+}
+
+QualifiedName DivideName(StringView name) {
+    std::size_t stop = StringView::npos;
+    char16_t closing = 0;  // of the quotes or brackets that we are in
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        if (closing != 0) {
+            if (name[i] == closing) closing = 0;
+        } else if (name[i] == u'"') {
+            closing = u'"';
+        } else if (name[i] == u'[') {
+            closing = u']';
+        } else if (name[i] == u'.') {
+            stop = i;
+        }
+    }
+    if (stop == StringView::npos) return {{}, StripQuotesOrBrackets(name)};
+    return {StripQuotesOrBrackets(name.substr(0, stop)),
+            StripQuotesOrBrackets(name.substr(stop + 1))};
+}
+
+void AppendCreateTable(String& statement, const QualifiedName& name) {
+    statement += u"create table ";
+    if (!name.schema.empty()) {
+        AppendQuoted(statement, name.schema);
+        statement += u'.';
+    }
+    AppendQuoted(statement, name.table);
+    statement += u" (";
+}
+
+bool AppendColumnLine(String& statement, const DataRow& row) {
+    if (row.size() <= kTypeName) return false;
+    const StringView nullability = TextOf(row, kNullable) == u"0" ? u"not null" : u"null";
+    statement += Format(u"\r\n %s %s%s %s%s", TextOf(row, kColumn), TextOf(row, kTypeName),
+                        SizePart(row), DefaultPart(row), nullability);
+    return true;
+}
+
+}  // namespace sql

@@ -1,0 +1,50 @@
+// The texts of SQL statements, put together from row sets; for scripts and for databases.
+#pragma once
+
+#include <vector>
+
+#include "base/strings.h"
+#include "core/row_set.h"
+
+namespace sql {
+
+// What begins an insert statement, ready for a value list:
+//
+//     insert into "Orders"("Id","Name") values
+//
+// table: written between double quotes, unless it holds a full stop, an opening bracket or a
+//        double quote: whoever wrote it has then quoted it already.
+// column_list: names the columns, those that are included.
+String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& columns,
+                    bool column_list);
+
+// Appends the included values of the row as " (1,'O''Brien',NULL)", between the literal marks of
+// their columns, single quotes doubled. False when the row has not one value for each column.
+bool AppendValueList(String& statement, const std::vector<ColumnDefinition>& columns,
+                     const DataRow& row);
+
+struct QualifiedName {
+    StringView schema;  // may be empty
+    StringView table;
+};
+
+// Divides a name at its last full stop outside double quotes and brackets. The quotes or brackets
+// around each piece go. The pieces are views into `name`.
+QualifiedName DivideName(StringView name);
+
+// Appends the begin of a create table statement: create table "schema"."table" (
+void AppendCreateTable(String& statement, const QualifiedName& name);
+
+// Appends the line of one column, with its line end in front:
+//
+//      price numeric(9,2)  default 7 not null
+//
+// row: describes the column, as the rows of a database's structure do: table, column, type name,
+//      size, digits, nullable, default. Values that are NULL or missing count as empty. The size is
+//      written for types with "char", "binary", "numeric", "number" or "money" in their name, 0 as
+//      "max", and for the last three with the digits, unless they are 0. A nullable of "0" gives
+//      "not null".
+// False when the row is too short to hold a type name.
+bool AppendColumnLine(String& statement, const DataRow& row);
+
+}  // namespace sql

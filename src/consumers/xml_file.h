@@ -1,0 +1,42 @@
+#pragma once
+
+#include "consumers/file_target.h"
+
+namespace DataConsumers {
+
+// Writes the rows as XML 1.0 in UTF-8, with element names from the job. With `FieldIsTag`:
+//
+//     <data>
+//     <rec>
+//      <id>7</id>
+//      <note>null</note>
+//     </rec>
+//     </data>
+//
+// and without it " <item name="id">7</item>". Names are written as they are, but for an opening
+// tag made of a column's name, so odd names give a document that no reader takes.
+class XMLFile final : public FileTarget {
+public:
+    // Begins the element around all rows.
+    bool Prepare(String& error, RowSet& rows) override;
+    bool Write(String& error, RowSet& rows) override;
+
+private:
+    bool ReadSettings(String& error, const SectionSettings& settings) override;
+    // Writes the declaration, also into the middle of a file that is appended to.
+    bool BeginFile(String& error) override;
+    bool EndFile(String& error) override;
+    // The file stays without the closing tag of its set.
+    bool LeaveFile(String& error) override;
+
+    void AppendValue(const ColumnDefinition& column, const DataValue& value);
+
+    bool field_is_tag_ = false;
+    String set_;
+    String row_start_;
+    String row_end_;
+    String item_start_;  // up to the column's name
+    String item_end_;
+};
+
+}  // namespace DataConsumers

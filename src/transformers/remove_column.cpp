@@ -1,0 +1,34 @@
+#include "transformers/remove_column.h"
+
+#include "files/line_splitter.h"
+#include "transformers/column_setting.h"
+
+namespace DataTransformers {
+
+bool RemoveColumn::Configure(String& error, const SectionSettings& settings) {
+    String list;
+    if (!ReadRequired(error, settings, kRemoveColumn, u"ApplyTo", list)) return false;
+    std::vector<StringView> numbers;
+    SplitLine(list, u',', {}, OuterQuotes::Keep, numbers);
+    for (const StringView number : numbers) {
+        std::size_t position = 0;
+        if (!ReadColumnNumber(error, kRemoveColumn, number, position)) return false;
+        positions_.push_back(position);
+    }
+    first_call_ = true;
+    return true;
+}
+
+bool RemoveColumn::Transform(String& /*error*/, RowSet& rows) {
+    for (const std::size_t position : positions_) {
+        if (first_call_) {
+            rows.Exclude(position);
+        } else if (position < rows.Row.size()) {
+            rows.Row[position].Included = false;
+        }
+    }
+    first_call_ = false;
+    return true;
+}
+
+}  // namespace DataTransformers

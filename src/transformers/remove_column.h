@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "transformers/data_transformer.h"
+
+namespace DataTransformers {
+
+// Takes columns out of the output. They stay in the row set, marked, so positions do not move.
+class RemoveColumn final : public DataTransformer {
+public:
+    bool Configure(String& error, const SectionSettings& settings) override;
+    // The first call marks the columns; every call marks their values, also in the rows of later
+    // result sets, whose columns are left alone.
+    bool Transform(String& error, RowSet& rows) override;
+
+private:
+    std::vector<std::size_t> positions_;
+    bool first_call_ = true;
+};
+
+}  // namespace DataTransformers

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "transformers/data_transformer.h"
+
+namespace DataTransformers {
+
+// Gives a column another name, in the first result set.
+class RenameColumn final : public DataTransformer {
+public:
+    bool Configure(String& error, const SectionSettings& settings) override;
+    bool Transform(String& error, RowSet& rows) override;
+
+private:
+    std::size_t position_ = 0;
+    String new_name_;
+    bool first_call_ = true;
+};
+
+}  // namespace DataTransformers
