@@ -1,18 +1,18 @@
 #pragma once
 
 #include "base/strings.h"
+#include "files/unit_search.h"
 
-// Appends `text` to `out` with some units escaped. needs_escape(unit) tells which; escape(out,
-// unit) appends what stands for one. All between them is copied in runs.
-template <class NeedsEscape, class Escape>
-void AppendEscaped(String& out, StringView text, const NeedsEscape& needs_escape,
-                   const Escape& escape) {
-    std::size_t copied = 0;  // how much of the text is in `out`
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!needs_escape(text[i])) continue;
-        out += text.substr(copied, i - copied);
-        escape(out, text[i]);
-        copied = i + 1;
+// Appends `text` to `out` with some units escaped. is_escaped tells which, in the manner of
+// FindUnit; escape(out, unit) appends what stands for one. All between them is copied in runs.
+template <class Escaped, class Escape>
+void AppendEscaped(String& out, StringView text, const Escaped& is_escaped, const Escape& escape) {
+    const char16_t* const end = text.data() + text.size();
+    for (const char16_t* at = text.data();; ++at) {
+        const char16_t* const found = FindUnit(at, end, is_escaped);
+        out.append(at, found);
+        if (found == end) return;
+        escape(out, *found);
+        at = found;
     }
-    out += text.substr(copied);
 }

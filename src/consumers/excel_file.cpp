@@ -5,6 +5,7 @@
 
 #include "consumers/markup.h"
 #include "core/sql_types.h"
+#include "files/text.h"
 
 namespace DataConsumers {
 namespace {
@@ -20,7 +21,13 @@ constexpr StringView kWorkbookHead =
 constexpr StringView kWorkbookTail = u" </Table>\n </Worksheet> </Workbook>";
 constexpr StringView kRowStart = u" <Row>\n";
 constexpr StringView kRowEnd = u" </Row>\n";
-constexpr StringView kBold = u" ss:StyleID=\"bld\"";
+
+// The beginnings of cells: in bold or not, with a text or a number.
+constexpr StringView kCellStart[2][2] = {
+    {u"   <Cell><Data ss:Type=\"String\">", u"   <Cell><Data ss:Type=\"Number\">"},
+    {u"   <Cell ss:StyleID=\"bld\"><Data ss:Type=\"String\">",
+     u"   <Cell ss:StyleID=\"bld\"><Data ss:Type=\"Number\">"}};
+constexpr StringView kCellEnd = u"</Data></Cell>\n";
 
 bool IsNumeric(std::int32_t data_type) {
     switch (data_type) {
@@ -59,7 +66,7 @@ bool ExcelFile::Write(String& error, RowSet& rows) {
         const DataValue& value = rows.Row[i];
         if (!value.Included) continue;
         const ColumnDefinition* column = i < rows.Columns.size() ? &rows.Columns[i] : nullptr;
-        AppendCell({}, column, value.IsNull ? StringView(u"NULL") : value.Text);
+        AppendCell(false, column, value.IsNull ? StringView(u"NULL") : value.Text);
     }
     line_ += kRowEnd;
     return WriteText(error, line_);
@@ -69,24 +76,21 @@ void ExcelFile::AppendHeaderRow(const RowSet& rows) {
     line_ += kRowStart;
     const std::size_t count = std::min(rows.Row.size(), rows.Columns.size());
     for (std::size_t i = 0; i < count; ++i) {
-        if (rows.Row[i].Included) AppendCell(kBold, &rows.Columns[i], rows.Columns[i].Name);
+        if (rows.Row[i].Included) AppendCell(true, &rows.Columns[i], rows.Columns[i].Name);
     }
     line_ += kRowEnd;
 }
 
-void ExcelFile::AppendCell(StringView style, const ColumnDefinition* column, StringView text) {
-    line_ += u"   <Cell";
-    line_ += style;
-    line_ += u"><Data ss:Type=\"";
-    line_ += IsNumber(column, text) ? u"Number" : u"String";
-    line_ += u"\">";
+void ExcelFile::AppendCell(bool bold, const ColumnDefinition* column, StringView text) {
+    line_ += kCellStart[bold][IsNumber(column, text)];
     AppendMarkup(line_, text);
-    line_ += u"</Data></Cell>\n";
+    line_ += kCellEnd;
 }
 
 // True in a numeric column for a text that begins with a number other than zero.
 bool ExcelFile::IsNumber(const ColumnDefinition* column, StringView text) {
     if (column == nullptr || !IsNumeric(column->DataType)) return false;
+    if (text::IsPlainNumber(text)) return true;
     number_.clear();
     for (const char16_t unit : text) {
         if (unit >= 128) break;  // belongs to no number

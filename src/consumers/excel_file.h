@@ -28,7 +28,7 @@ private:
     bool EndFile(String& error) override;
 
     void AppendHeaderRow(const RowSet& rows);
-    void AppendCell(StringView style, const ColumnDefinition* column, StringView text);
+    void AppendCell(bool bold, const ColumnDefinition* column, StringView text);
     bool IsNumber(const ColumnDefinition* column, StringView text);
 
     bool header_row_pending_ = false;

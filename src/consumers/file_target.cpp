@@ -22,6 +22,7 @@ bool FileTarget::LeaveFile(String& error) { return Close(error); }
 
 bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
+    columns_are_new_ = true;
     one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
     String name;
     return ReadName(error, settings, name) && ReadSettings(error, settings) &&
@@ -29,6 +30,7 @@ bool FileTarget::Open(String& error, const SectionSettings& settings) {
 }
 
 bool FileTarget::NextResultSet(String& error, const SectionSettings& settings) {
+    columns_are_new_ = true;
     if (!one_file_per_result_set_) return ContinueFile(error);
     String name;
     return LeaveFile(error) && ReadName(error, settings, name) && OpenFile(error, name);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "consumers/data_consumer.h"
 #include "files/dfile.h"
 
@@ -35,6 +37,8 @@ protected:
     bool OpenFile(String& error, const String& name);
     bool FileIsOpen() const { return file_is_open_; }
     void CloseFile();
+    // True once in each result set: what was put together from the columns must be made anew.
+    bool TakeNewColumns() { return std::exchange(columns_are_new_, false); }
     // Writes a piece of text in one call; its bytes count.
     bool WriteText(String& error, StringView text);
     // Writes a piece of text that the statistics leave out.
@@ -49,6 +53,7 @@ private:
     bool Put(String& error, StringView text, std::size_t& bytes);
 
     dFile file_;
+    bool columns_are_new_ = true;
     bool file_is_open_ = false;
     bool write_failed_ = false;
 };

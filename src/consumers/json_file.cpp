@@ -1,49 +1,41 @@
 #include "consumers/json_file.h"
 
-#include <algorithm>
-#include <array>
-
 #include "consumers/escaping.h"
 #include "files/format.h"
+#include "files/text.h"
 
 namespace DataConsumers {
 namespace {
 
-constexpr char16_t kFirstPlain = 128;
-
-// What each unit below 128 becomes; empty for those that are copied.
-constexpr std::array<StringView, kFirstPlain> kEscapes = [] {
-    std::array<StringView, kFirstPlain> escapes{};
-    escapes[u'\\'] = u"\\\\";
-    escapes[u'"'] = u"\\\"";
-    escapes[u'\r'] = u"\\r";
-    escapes[u'\n'] = u"\\n";
-    escapes[u'\t'] = u"\\t";
-    escapes[u'/'] = u"\\/";
-    return escapes;
-}();
-
-// Digits that do not begin with 0, with at most one full stop behind the first.
-bool LooksLikeNumber(StringView text) {
-    if (text.empty() || text.front() < u'1' || text.front() > u'9') return false;
-    const auto is_digit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
-    const auto other = std::find_if_not(text.begin(), text.end(), is_digit);
-    if (other == text.end()) return true;
-    return *other == u'.' && std::all_of(other + 1, text.end(), is_digit);
+void AppendEscape(String& line, char16_t unit) {
+    line += u'\\';
+    switch (unit) {
+        case u'\r':
+            line += u'r';
+            break;
+        case u'\n':
+            line += u'n';
+            break;
+        case u'\t':
+            line += u't';
+            break;
+        default:
+            line += unit;
+    }
 }
-
-bool IsEscaped(char16_t unit) { return unit < kFirstPlain && !kEscapes[unit].empty(); }
-
-void AppendEscape(String& line, char16_t unit) { line += kEscapes[unit]; }
 
 // Appends a name or a value, between quotes where it needs them.
 void AppendText(String& line, StringView text) {
-    if (text == u"null" || LooksLikeNumber(text)) {
+    if (text == u"null" || text::IsPlainNumber(text)) {
         line += text;
         return;
     }
+    const auto is_escaped = [](auto unit) {
+        return (unit == u'\\') | (unit == u'"') | (unit == u'\r') | (unit == u'\n') |
+               (unit == u'\t') | (unit == u'/');
+    };
     line += u'"';
-    AppendEscaped(line, text, IsEscaped, AppendEscape);
+    AppendEscaped(line, text, is_escaped, AppendEscape);
     line += u'"';
 }
 
@@ -70,19 +62,27 @@ bool JSONFile::Write(String& error, RowSet& rows) {
                        rows.Row.size(), rows.Columns.size(), rows.TableName);
         return false;
     }
+    if (TakeNewColumns()) MakeNames(rows.Columns);
     line_ = rows_in_file_++ == 0 ? u" {" : u",\r\n {";
     bool first = true;
     for (std::size_t i = 0; i < rows.Row.size(); ++i) {
         const DataValue& value = rows.Row[i];
         if (!value.Included) continue;
-        if (!first) line_ += u',';
+        line_ += StringView(names_[i]).substr(first ? 1 : 0);  // without the comma
         first = false;
-        AppendText(line_, rows.Columns[i].Name);
-        line_ += u':';
         AppendText(line_, value.IsNull ? StringView(u"null") : value.Text);
     }
     line_ += u" }";
     return WriteText(error, line_);
+}
+
+void JSONFile::MakeNames(const std::vector<ColumnDefinition>& columns) {
+    names_.clear();
+    for (const ColumnDefinition& column : columns) {
+        String& name = names_.emplace_back(u",");
+        AppendText(name, column.Name);
+        name += u':';
+    }
 }
 
 bool JSONFile::EndFile(String& error) { return WriteUncounted(error, u"]"); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "consumers/file_target.h"
 
@@ -27,6 +28,10 @@ private:
     // The file stays without its closing bracket.
     bool LeaveFile(String& error) override;
 
+    void MakeNames(const std::vector<ColumnDefinition>& columns);
+
+    // The members up to their values, ",\"id\":"; made once for all rows of a result set.
+    std::vector<String> names_;
     std::uint64_t rows_in_file_ = 0;
 };
 

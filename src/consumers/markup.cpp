@@ -1,25 +1,10 @@
 #include "consumers/markup.h"
 
-#include <array>
-
 #include "consumers/escaping.h"
 
 namespace {
 
 constexpr char16_t kFirstReferenced = 128;
-
-// The entity of each unit below 128; empty for those that are copied.
-constexpr std::array<StringView, kFirstReferenced> kEntities = [] {
-    std::array<StringView, kFirstReferenced> entities{};
-    entities[u'"'] = u"&quot;";
-    entities[u'&'] = u"&amp;";
-    entities[u'\''] = u"&apos;";
-    entities[u'<'] = u"&lt;";
-    entities[u'>'] = u"&gt;";
-    return entities;
-}();
-
-bool IsEscaped(char16_t unit) { return unit >= kFirstReferenced || !kEntities[unit].empty(); }
 
 // As "&#x%03X;" does.
 void AppendReference(String& out, char16_t unit) {
@@ -31,12 +16,33 @@ void AppendReference(String& out, char16_t unit) {
 }
 
 void AppendEscape(String& out, char16_t unit) {
-    if (unit >= kFirstReferenced) return AppendReference(out, unit);
-    out += kEntities[unit];
+    switch (unit) {
+        case u'"':
+            out += u"&quot;";
+            break;
+        case u'&':
+            out += u"&amp;";
+            break;
+        case u'\'':
+            out += u"&apos;";
+            break;
+        case u'<':
+            out += u"&lt;";
+            break;
+        case u'>':
+            out += u"&gt;";
+            break;
+        default:
+            AppendReference(out, unit);
+    }
 }
 
 }  // namespace
 
 void AppendMarkup(String& out, StringView text) {
-    AppendEscaped(out, text, IsEscaped, AppendEscape);
+    const auto is_escaped = [](auto unit) {
+        return (unit == u'"') | (unit == u'&') | (unit == u'\'') | (unit == u'<') | (unit == u'>') |
+               (unit >= kFirstReferenced);
+    };
+    AppendEscaped(out, text, is_escaped, AppendEscape);
 }

@@ -21,7 +21,7 @@ void AppendQuoted(String& statement, StringView name) {
 
 void AppendDoublingQuotes(String& statement, StringView value) {
     AppendEscaped(
-        statement, value, [](char16_t unit) { return unit == u'\''; },
+        statement, value, [](auto unit) { return unit == u'\''; },
         [](String& out, char16_t) { out += u"''"; });
 }
 

@@ -1,20 +1,18 @@
 #include "consumers/xml_file.h"
 
-#include <algorithm>
-
 #include "consumers/markup.h"
 #include "files/format.h"
 
 namespace DataConsumers {
 namespace {
 
-// Appends a name as that of an opening tag: what would end the tag or break the document becomes an
+// A name as that of an opening tag: what would end the tag or break the document becomes an
 // underscore. Closing tags have the name as it is; that is published behaviour.
-void AppendTagName(String& line, StringView name) {
-    for (const char16_t unit : name) {
-        const bool replaced = StringView(u" \"&'<>").find(unit) != StringView::npos;
-        line += replaced ? u'_' : unit;
+String TagName(String name) {
+    for (char16_t& unit : name) {
+        if (StringView(u" \"&'<>").find(unit) != StringView::npos) unit = u'_';
     }
+    return name;
 }
 
 }  // namespace
@@ -26,9 +24,8 @@ bool XMLFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
     const String row = settings.Text(u"row");
     row_start_ = Format(u"<%s>\r\n", row);
     row_end_ = Format(u"</%s>\r\n", row);
-    const String item = settings.Text(u"item");
-    item_start_ = Format(u" <%s %s=\"", item, settings.Text(u"name"));
-    item_end_ = Format(u"</%s>\r\n", item);
+    item_ = settings.Text(u"item");
+    name_attribute_ = settings.Text(u"name");
     append_ = !settings.Flag(u"Overwrite", false);
     return true;
 }
@@ -42,37 +39,35 @@ bool XMLFile::Prepare(String& error, RowSet& /*rows*/) {
 }
 
 bool XMLFile::Write(String& error, RowSet& rows) {
+    if (TakeNewColumns()) MakeTags(rows.Columns);
     line_ = row_start_;
-    const std::size_t count = std::min(rows.Row.size(), rows.Columns.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        if (rows.Columns[i].Included) AppendValue(rows.Columns[i], rows.Row[i]);
+    for (const Tags& tags : tags_) {
+        if (tags.position >= rows.Row.size()) break;
+        const DataValue& value = rows.Row[tags.position];
+        line_ += tags.opening;
+        if (value.IsNull) {
+            line_ += u"null";
+        } else {
+            AppendMarkup(line_, value.Text);
+        }
+        line_ += tags.closing;
     }
     line_ += row_end_;
     return WriteText(error, line_);
 }
 
-void XMLFile::AppendValue(const ColumnDefinition& column, const DataValue& value) {
-    if (field_is_tag_) {
-        line_ += u" <";
-        AppendTagName(line_, column.Name);
-        line_ += u'>';
-    } else {
-        line_ += item_start_;
-        line_ += column.Name;
-        line_ += u"\">";
+void XMLFile::MakeTags(const std::vector<ColumnDefinition>& columns) {
+    tags_.clear();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const String& name = columns[i].Name;
+        if (!columns[i].Included) continue;
+        if (field_is_tag_) {
+            tags_.push_back({i, Format(u" <%s>", TagName(name)), Format(u"</%s>\r\n", name)});
+        } else {
+            tags_.push_back({i, Format(u" <%s %s=\"%s\">", item_, name_attribute_, name),
+                             Format(u"</%s>\r\n", item_)});
+        }
     }
-    if (value.IsNull) {
-        line_ += u"null";
-    } else {
-        AppendMarkup(line_, value.Text);
-    }
-    if (!field_is_tag_) {
-        line_ += item_end_;
-        return;
-    }
-    line_ += u"</";
-    line_ += column.Name;
-    line_ += u">\r\n";
 }
 
 bool XMLFile::EndFile(String& error) { return WriteText(error, Format(u"</%s>\r\n", set_)); }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "consumers/file_target.h"
 
 namespace DataConsumers {
@@ -29,14 +31,23 @@ private:
     // The file stays without the closing tag of its set.
     bool LeaveFile(String& error) override;
 
-    void AppendValue(const ColumnDefinition& column, const DataValue& value);
+    // What stands around the values of an included column.
+    struct Tags {
+        std::size_t position;
+        String opening;
+        String closing;
+    };
+
+    void MakeTags(const std::vector<ColumnDefinition>& columns);
 
     bool field_is_tag_ = false;
     String set_;
     String row_start_;
     String row_end_;
-    String item_start_;  // up to the column's name
-    String item_end_;
+    String item_;
+    String name_attribute_;
+
+    std::vector<Tags> tags_;  // put together once for all rows of a result set
 };
 
 }  // namespace DataConsumers

@@ -1,31 +1,8 @@
 #include "files/line_splitter.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-
-#include <bit>
-#endif
+#include "files/unit_search.h"
 
 namespace {
-
-// The first position in [at, end) that holds `first` or `second`; `end` when there is none. Eight
-// characters at a time where the processor can: most of a row's time would go into this search.
-const char16_t* FindEither(const char16_t* at, const char16_t* end, char16_t first,
-                           char16_t second) {
-#if defined(__SSE2__)
-    const __m128i firsts = _mm_set1_epi16(static_cast<short>(first));
-    const __m128i seconds = _mm_set1_epi16(static_cast<short>(second));
-    for (; end - at >= 8; at += 8) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        const __m128i hits =
-            _mm_or_si128(_mm_cmpeq_epi16(block, firsts), _mm_cmpeq_epi16(block, seconds));
-        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(hits));  // two bits a character
-        if (mask != 0) return at + std::countr_zero(mask) / 2;
-    }
-#endif
-    while (at != end && *at != first && *at != second) ++at;
-    return at;
-}
 
 StringView StripOuter(StringView field, char16_t quote) {
     const bool quoted = field.size() >= 2 && field.front() == quote && field.back() == quote;
@@ -49,7 +26,8 @@ void SplitLine(StringView line, char16_t delimiter, StringView quote, OuterQuote
     const char16_t* field = line.data();
     bool inside = false;
     for (const char16_t* at = field;; ++at) {
-        at = FindEither(at, end, quote_unit, inside ? quote_unit : delimiter);
+        const char16_t closing = inside ? quote_unit : delimiter;
+        at = FindUnit(at, end, [=](auto unit) { return (unit == quote_unit) | (unit == closing); });
         if (at == end) break;
         if (has_quote && *at == quote_unit) inside = !inside;
         if (*at == delimiter && !inside) {  // also a delimiter that is the quote and closed it

@@ -67,6 +67,13 @@ std::int64_t ToInteger(StringView value) {
     return number == Limits::min() ? Limits::max() : -number;
 }
 
+bool IsPlainNumber(StringView value) {
+    if (value.empty() || value.front() == u'0' || !IsDigit(value.front())) return false;
+    const auto other = std::find_if_not(value.begin(), value.end(), IsDigit);
+    if (other == value.end()) return true;
+    return *other == u'.' && std::all_of(other + 1, value.end(), IsDigit);
+}
+
 String Widen(std::string_view bytes) {
     String wide(bytes.size(), u'\0');
     std::transform(bytes.begin(), bytes.end(), wide.begin(), [](char byte) {

@@ -32,6 +32,10 @@ void ReplaceAll(String& value, StringView from, StringView to);
 // follows is ignored. 0 without digits; beyond the range of the result its nearest end.
 std::int64_t ToInteger(StringView value);
 
+// True for digits that do not begin with 0, with at most one full stop among or behind them: "10",
+// "3.5", "3."; not "0", "007", ".5", "-5", "1e3".
+bool IsPlainNumber(StringView value);
+
 // One character for each byte, of the byte's value.
 String Widen(std::string_view bytes);
 

@@ -14,7 +14,9 @@ PROGRAM = None
 COPY = "Step 1\nSource\nType=TextFile\nName={source}\nTarget\nType=TextFile\nName={target}\n"
 
 
-class Robustness(unittest.TestCase):
+class Scene(unittest.TestCase):
+    """A scratch folder and jobs that run in it."""
+
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
@@ -33,6 +35,8 @@ class Robustness(unittest.TestCase):
     def assert_ends(self, result, status, output):
         self.assertEqual((result.returncode, result.stdout), (status, output), result.stderr)
 
+
+class Robustness(Scene):
     def test_job_file_missing_or_unusable(self):
         missing = (b"Could not find or load configuration file 'job.qpr'. Use -config command line "
                    b"switch to define it. Default name is 'quillon.qpr'.\n")
@@ -181,6 +185,71 @@ class Robustness(unittest.TestCase):
         self.write("in.txt", "a\n" + "%" * 4_000_000 + "\n")
         result = self.run_job(COPY.format(source="in.txt", target="CONSOLE"))
         self.assert_ends(result, 0, b"%" * 2_000_000 + b"\r\n")
+
+
+class Targets(Scene):
+    """The same for every file target."""
+
+    KINDS = {
+        "TextFile": "Header=1\nEncoding=UTF8\n",
+        "SQLScript": "Table=t\nBatchSize=3\nEncoding=UTF8\n",
+        "DDLScript": "Table=t\n",
+        "XMLFile": "set=set\nrow=row\nitem=item\nname=name\n",
+        "JSONFile": "Encoding=UTF8\n",
+        "ExcelFile": "",
+        "HtmlFile": "",
+        "RTFFile": "",
+    }
+
+    def run_targets(self, source, **options):
+        """Runs a job of one step for each kind and yields its kind, result and file content."""
+        for kind, settings in self.KINDS.items():
+            result = self.run_job(f"Step 1\nSource\n{source}Target\nType={kind}\nName=out\n"
+                                  f"Overwrite=1\n{settings}", **options)
+            yield kind, result, (self.path / "out").read_bytes()
+
+    def test_disk_that_fills_at_any_point(self):
+        self.write("in.txt", "t\tname\ttype\tsize\n" + "t\tprice\tnumeric\t9\n" * 4)
+        source = "Type=TextFile\nName=in.txt\n"
+        whole = {kind: content for kind, result, content in self.run_targets(source)}
+        for limit in (3, 50, 300, 1000, *(len(content) - 1 for content in whole.values())):
+            options = {"preexec_fn": lambda limit=limit:
+                       resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))}
+            for kind, result, content in self.run_targets(source, **options):
+                if len(whole[kind]) <= limit:
+                    continue
+                with self.subTest(kind, limit=limit):
+                    self.assert_ends(result, 2, b"")
+                    self.assertEqual(result.stderr,
+                                     b"Could not write to file 'out': File too large\n")
+                    self.assertTrue(whole[kind].startswith(content))
+
+    def test_no_columns(self):
+        query = ('Type=DatabaseQuery\nConnectString="Driver=SQLite3;Database=data.db"\n'
+                 "Query=create table if not exists t(a)\n")
+        for kind, result, content in self.run_targets(query):
+            with self.subTest(kind):
+                self.assert_ends(result, 0, b"")
+                self.assertEqual(result.stderr, b"")
+
+    def test_thousand_columns(self):
+        names = "\t".join(f"column{i}" for i in range(1000))
+        values = "\t".join(f"value{i};" for i in range(1000))
+        self.write("in.txt", f"{names}\n{values}\n{values}\n")
+        for kind, result, content in self.run_targets("Type=TextFile\nName=in.txt\n"):
+            with self.subTest(kind):
+                self.assert_ends(result, 0, b"")
+                found = [content.count(b"value%d;" % i) for i in (0, 500, 999)]
+                self.assertEqual(found, [0] * 3 if kind == "DDLScript" else [2] * 3)
+
+    def test_value_of_20_megabytes(self):
+        self.write("in.txt", "a\tb\tc\nx\t" + "<'>/" * 5_000_000 + "\tz\n")
+        escaped = {"SQLScript": b"<''>/", "JSONFile": b"<'>\\/"} | dict.fromkeys(
+            ("XMLFile", "ExcelFile", "HtmlFile"), b"&lt;&apos;&gt;/")
+        for kind, result, content in self.run_targets("Type=TextFile\nName=in.txt\n"):
+            with self.subTest(kind):
+                self.assert_ends(result, 0, b"")
+                self.assertEqual(content.count(escaped.get(kind, b"<'>/")), 5_000_000)
 
 
 if __name__ == "__main__":
