@@ -68,7 +68,7 @@ stop_servers() {
 }
 
 packages=("${program_packages[@]}" libgtest-dev googletest libbenchmark-dev python3 strace
-    odbc-postgresql postgresql clang-format clang-tidy)
+    jq libxml2-utils odbc-postgresql postgresql clang-format clang-tidy)
 $windows && packages+=(g++-mingw-w64-x86-64-posix wine wine64)
 install_packages "${packages[@]}" || { echo "0 passed, 1 failed"; exit 1; }
 

@@ -23,6 +23,7 @@ bool FileTarget::LeaveFile(String& error) { return Close(error); }
 bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     columns_are_new_ = true;
+    write_failed_ = false;
     one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
     String name;
     return ReadName(error, settings, name) && ReadSettings(error, settings) &&
@@ -31,6 +32,7 @@ bool FileTarget::Open(String& error, const SectionSettings& settings) {
 
 bool FileTarget::NextResultSet(String& error, const SectionSettings& settings) {
     columns_are_new_ = true;
+    if (write_failed_) return false;
     if (!one_file_per_result_set_) return ContinueFile(error);
     String name;
     return LeaveFile(error) && ReadName(error, settings, name) && OpenFile(error, name);
@@ -39,13 +41,12 @@ bool FileTarget::NextResultSet(String& error, const SectionSettings& settings) {
 bool FileTarget::Close(String& error) {
     const bool ended = EndFile(error);
     CloseFile();
-    return ended;
+    return ended && !write_failed_;
 }
 
 bool FileTarget::OpenFile(String& error, const String& name) {
     ErrorRecord open_error;
     file_is_open_ = file_.Open(open_error, name, encoding_, append_);
-    write_failed_ = false;
     if (file_is_open_) return BeginFile(error);
     error = open_error.text;
     return false;

@@ -12,8 +12,8 @@ namespace DataConsumers {
 // says what stands at the start and the end of a file and how a row looks.
 //
 // All operations fail with "File name is not provided.", with dFile's messages, or with those of
-// the format. Once a write has failed nothing more is written to that file, so a step cannot go on
-// behind a gap: the next row fails as well.
+// the format. Once a write has failed nothing more is written, so a step cannot go on behind a gap:
+// whatever the target is asked for next fails as well.
 class FileTarget : public DataConsumer {
 public:
     bool Open(String& error, const SectionSettings& settings) override;
@@ -55,7 +55,7 @@ private:
     dFile file_;
     bool columns_are_new_ = true;
     bool file_is_open_ = false;
-    bool write_failed_ = false;
+    bool write_failed_ = false;  // in this file or in one before it
 };
 
 }  // namespace DataConsumers

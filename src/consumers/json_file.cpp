@@ -62,7 +62,7 @@ bool JSONFile::Write(String& error, RowSet& rows) {
                        rows.Row.size(), rows.Columns.size(), rows.TableName);
         return false;
     }
-    if (TakeNewColumns()) MakeNames(rows.Columns);
+    if (TakeNewColumns() || names_.size() != rows.Columns.size()) MakeNames(rows.Columns);
     line_ = rows_in_file_++ == 0 ? u" {" : u",\r\n {";
     bool first = true;
     for (std::size_t i = 0; i < rows.Row.size(); ++i) {

@@ -87,7 +87,7 @@ bool SQLScript::EndStatement(String& error) {
 }
 
 bool SQLScript::ContinueFile(String& error) {
-    if (!EndFile(error)) return false;
+    if (!line_.empty() && !EndFile(error)) return false;
     prepare_pending_ = true;
     return true;
 }

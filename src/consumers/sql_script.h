@@ -11,7 +11,7 @@ namespace DataConsumers {
 // description of a column and writes a create table statement.
 //
 //     insert into "Orders"("Id","Name") values (1,'O''Brien'),
-//       (2,NULL);
+//        (2,NULL);
 //
 //     create table "Orders" (
 //      Id integer not null,

@@ -26,9 +26,8 @@ void AppendDoublingQuotes(String& statement, StringView value) {
 }
 
 StringView StripQuotesOrBrackets(StringView name) {
-    const bool enclosed = name.size() >= 2 && ((name.front() == u'"' && name.back() == u'"') ||
-                                               (name.front() == u'[' && name.back() == u']'));
-    return enclosed ? name.substr(1, name.size() - 2) : name;
+    const bool bracketed = name.starts_with(u'[') && name.find(u']') == name.size() - 1;
+    return bracketed ? name.substr(1, name.size() - 2) : text::StripQuotes(name);
 }
 
 StringView TextOf(const DataRow& row, std::size_t position) {

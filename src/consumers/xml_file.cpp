@@ -44,6 +44,7 @@ bool XMLFile::Write(String& error, RowSet& rows) {
     for (const Tags& tags : tags_) {
         if (tags.position >= rows.Row.size()) break;
         const DataValue& value = rows.Row[tags.position];
+        if (!value.Included) continue;
         line_ += tags.opening;
         if (value.IsNull) {
             line_ += u"null";

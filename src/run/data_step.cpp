@@ -154,6 +154,8 @@ bool DataStep::TransformRow(String& error) {
 bool DataStep::NextResultSet(String& error) {
     const bool more = source_ && source_->HasMoreData(error, rows_);
     if (more && target_) {
+        Manager::ReportError(error, logger_, {});  // of the reading that ended the last one
+        error.clear();
         if (target_->NextResultSet(error, target_settings_)) target_->Prepare(error, rows_);
         Manager::ReportError(error, logger_, {});
     } else if (!error.empty()) {

@@ -1,60 +1,14 @@
 #include "consumers/data_consumer.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
-#include "support/collecting_logger.h"
-#include "support/one_step.h"
+#include "support/target_fixture.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-std::vector<String> Split(StringView texts, char16_t separator) {
-    std::vector<String> all(1);
-    for (const char16_t unit : texts)
-        unit == separator ? void(all.emplace_back()) : all.back().push_back(unit);
-    return all;
-}
-
-class Target : public testing::Test {
-protected:
-    // Makes the target of the fourth step and opens it. Settings have "|" between them.
-    bool Open(StringView settings, std::string_view name, StringView type = u"TextFile") {
-        testing_support::Settings all{{u"Type", String(type)}, {u"Name", folder_.Path(name)}};
-        for (const String& one : Split(settings, u'|'))
-            all.emplace_back(one.substr(0, one.find(u'=')), one.substr(one.find(u'=') + 1));
-        const SectionSettings section = step_.With(Section::Target, all);
-        return DataConsumers::DataConsumer::Create(error_, section, target_, logger_, 3) &&
-               (!target_ || target_->Open(error_, section));
-    }
-    // Writes a result set. The names of the columns and the rows have "/" between them, the values
-    // "|". "~" is NULL, "-" what was removed.
-    bool Write(StringView set) {
-        RowSet rows;
-        std::vector<String> lines = Split(set, u'/');
-        for (const String& name : Split(lines[0], u'|')) {
-            rows.Columns.emplace_back(name, 12, u"varchar", 0);
-            rows.Columns.back().MaxWidth = name.size();
-            rows.Columns.back().Included = name != u"-";
-        }
-        bool written = target_->Prepare(error_, rows);
-        for (std::size_t i = 1; i < lines.size(); ++i) {
-            rows.Row.clear();
-            for (const String& value : Split(lines[i], u'|'))
-                rows.Row.push_back({value == u"~", value != u"-", value});
-            written = written && target_->Write(error_, rows);
-        }
-        return target_->Close(error_) && written;
-    }
-
-    testing_support::ScratchFolder folder_;
-    testing_support::OneStep step_;
-    testing_support::CollectingLogger logger_;
-    std::unique_ptr<DataConsumers::DataConsumer> target_;
-    String error_;
-};
+using Target = testing_support::TargetFixture;
 
 TEST_F(Target, IsMadeByItsType) {
     EXPECT_TRUE(Open(u"", "out.txt", u"TEXTfile"));
@@ -115,8 +69,8 @@ TEST_F(Target, SaysWhatFailed) {
     const struct { const char* name; const char16_t* set; std::string error; } kCases[] = {
         {"missing/out.txt", u"a/1", open},
         {"big-endian.txt", u"a/1", "Encoding is not supported yet"},
-        {"out.txt", u"a|b/1", broken + "1, Structure: 2 for '']"},
-        {"out.txt", u"a|b/1|2|3", broken + "3, Structure: 2 for '']"},
+        {"out.txt", u"a|b/1", broken + "1, Structure: 2 for 'base']"},
+        {"out.txt", u"a|b/1|2|3", broken + "3, Structure: 2 for 'base']"},
         {"/dev/full", u"a/1", ""},
     };
     // clang-format on

@@ -1,0 +1,2 @@
+insert into "t"() values ();
+insert into "t"() values ();

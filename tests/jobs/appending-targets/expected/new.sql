@@ -1,0 +1,2 @@
+﻿insert into "t" values ('è')
+insert into "t" values ('è')

@@ -1,0 +1,3 @@
+-- old
+create table "t" (
+ id integer null)

@@ -1,0 +1,2 @@
+create table "my.db"."Orders" (
+ id integer not null) go

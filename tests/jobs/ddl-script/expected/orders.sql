@@ -1,0 +1,16 @@
+create table "Orders" (
+ id integer not null,
+ name nvarchar(max) null,
+ code CHAR(3)  default 'x' not null,
+ price numeric(9,2)  default 7 not null,
+ total Number(12) null,
+ cash money(19,4) null,
+ rate my numerics(5) null,
+ hash VarBinary(16) null,
+ kind CHARacter varying(40) not null,
+ zeros binary(00) null,
+ n NUMBER(9) null,
+ m smallmoney(max,4) null,
+ d decimal  default -1 not null,
+ b bit not null,
+ noted datetime  default now() not null)

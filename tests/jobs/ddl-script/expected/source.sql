@@ -1,0 +1,2 @@
+create table "orders" (
+ größe text  default klein null)

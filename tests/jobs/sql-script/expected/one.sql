@@ -1,0 +1,5 @@
+insert into "Orders" values (1,'O''Brien',5)
+insert into "Orders" values (2,'',NULL)
+insert into "Orders" values (3,'''''',0)
+insert into "Orders" values (4,'NULL',-7)
+insert into "Orders" values (5,'Zoë, a/b',3.5)

@@ -1,0 +1,5 @@
+insert into "my orders" values (1,'O''Brien',5),
+   (2,'',NULL),
+   (3,'''''',0),
+   (4,'NULL',-7),
+   (5,'Zoë, a/b',3.5)
