@@ -56,8 +56,9 @@ public:
         : configuration_(platform::SystemClock()), rows_(MakeRow()) {
         const std::filesystem::path job =
             std::filesystem::temp_directory_path() / "bench_target.qpr";
-        std::ofstream(job) << "Step 1\nTarget\nType=" << type << "\nName=" << file
-                           << "\nOverwrite=1\nTable=article\nset=set\nrow=row\nitem=item\nname=name\n";
+        std::ofstream(job)
+            << "Step 1\nTarget\nType=" << type << "\nName=" << file
+            << "\nOverwrite=1\nTable=article\nset=set\nrow=row\nitem=item\nname=name\n";
         const SectionSettings settings(configuration_, Section::Target);
         Quillon::LoggerConsole logger;
         String error;
@@ -96,8 +97,8 @@ void WriteRows(benchmark::State& state, const char* type) {
         static_cast<void>(iteration);
         if (!target.WriteRow()) state.SkipWithError("a row was refused");
     }
-    state.counters["bytes"] =
-        static_cast<double>(target.WrittenSize() - before) / static_cast<double>(state.iterations());
+    state.counters["bytes"] = static_cast<double>(target.WrittenSize() - before) /
+                              static_cast<double>(state.iterations());
 }
 
 // The text of the row behind the first one.
