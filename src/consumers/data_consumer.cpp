@@ -1,6 +1,8 @@
 #include "consumers/data_consumer.h"
 
 #include "base/activity_trail.h"
+#include "consumers/database_data.h"
+#include "consumers/database_schema.h"
 #include "consumers/excel_file.h"
 #include "consumers/html_file.h"
 #include "consumers/json_file.h"
@@ -29,6 +31,8 @@ constexpr TypeWord<DataConsumer> kTypes[] = {
     {u"HtmlFile", MakeOf<DataConsumer, HtmlFile>},
     {u"RTFFile", MakeOf<DataConsumer, RTFFile>},
     {u"DDLScript", MakeScript<SQLScript::Statement::CreateTable>},
+    {u"DatabaseTable", MakeOf<DataConsumer, DatabaseData>},
+    {u"DatabaseSchema", MakeOf<DataConsumer, DatabaseSchema>},
 };
 
 }  // namespace

@@ -30,11 +30,11 @@ void AppendText(String& line, StringView text) {
         line += text;
         return;
     }
+    line += u'"';
     const auto is_escaped = [](auto unit) {
         return (unit == u'\\') | (unit == u'"') | (unit == u'\r') | (unit == u'\n') |
                (unit == u'\t') | (unit == u'/');
     };
-    line += u'"';
     AppendEscaped(line, text, is_escaped, AppendEscape);
     line += u'"';
 }
@@ -68,7 +68,7 @@ bool JSONFile::Write(String& error, RowSet& rows) {
     for (std::size_t i = 0; i < rows.Row.size(); ++i) {
         const DataValue& value = rows.Row[i];
         if (!value.Included) continue;
-        line_ += StringView(names_[i]).substr(first ? 1 : 0);  // without the comma
+        line_.append(names_[i], first ? 1 : 0);  // without the comma
         first = false;
         AppendText(line_, value.IsNull ? StringView(u"null") : value.Text);
     }

@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr char16_t kFirstReferenced = 128;
-
 // As "&#x%03X;" does.
 void AppendReference(String& out, char16_t unit) {
     constexpr StringView kDigits = u"0123456789ABCDEF";
@@ -42,7 +40,7 @@ void AppendEscape(String& out, char16_t unit) {
 void AppendMarkup(String& out, StringView text) {
     const auto is_escaped = [](auto unit) {
         return (unit == u'"') | (unit == u'&') | (unit == u'\'') | (unit == u'<') | (unit == u'>') |
-               (unit >= kFirstReferenced);
+               (unit >= u'\x80');
     };
     AppendEscaped(out, text, is_escaped, AppendEscape);
 }

@@ -4,12 +4,6 @@
 #include "files/text.h"
 
 namespace DataConsumers {
-namespace {
-
-constexpr StringView kTableMacro = u"$TABLE$";
-
-}  // namespace
-
 bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
     settings_ = settings;
     table_setting_ = settings.Text(u"Table");
@@ -29,6 +23,7 @@ bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
 bool SQLScript::BeginFile(String& /*error*/) {
     line_.clear();
     rows_in_batch_ = 0;
+    whole_tables_ = false;
     prepare_pending_ = true;
     return true;
 }
@@ -45,12 +40,13 @@ bool SQLScript::Prepare(String& /*error*/, RowSet& rows) {
 }
 
 bool SQLScript::Write(String& error, RowSet& rows) {
-    const bool appended = statement_ == Statement::Insert ? AppendRow(rows) : AppendColumn(rows);
-    if (!appended) {
+    const bool describes = statement_ == Statement::CreateTable;
+    if (describes && rows.Nested) return WriteTable(error, rows);
+    if (!(describes ? AppendColumn(rows) : AppendRow(rows))) {
         error = u"Cound not build SQL statement";  // published spelling
         return false;
     }
-    if (statement_ == Statement::CreateTable) return true;
+    if (describes) return true;
     if (++rows_in_batch_ == batch_size_) return EndStatement(error);
     if (batch_size_ < 1) rows_in_batch_ = 0;  // never written, so not kept either
     return true;
@@ -66,15 +62,22 @@ bool SQLScript::AppendRow(const RowSet& rows) {
 }
 
 bool SQLScript::AppendColumn(const RowSet& rows) {
-    if (line_.empty()) {
-        const bool named_by_rows = table_setting_ == kTableMacro && !rows.TableName.empty();
-        sql::AppendCreateTable(line_, named_by_rows
-                                          ? sql::QualifiedName{rows.SchemaName, rows.TableName}
-                                          : sql::DivideName(table_));
-    } else {
-        line_ += u',';
+    const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
+    return sql::AppendColumnLine(line_, name, rows.Row);
+}
+
+// The row names a table and its schema, and brings the table's columns along.
+bool SQLScript::WriteTable(String& error, const RowSet& rows) {
+    const StringView table = rows.Row.empty() ? StringView() : rows.Row[0].Text;
+    const StringView schema = rows.Row.size() < 2 ? StringView() : rows.Row[1].Text;
+    line_.clear();
+    for (const RowSet& column : *rows.Nested) {
+        sql::AppendColumnLine(line_, {schema, table}, column.Row);
     }
-    return sql::AppendColumnLine(line_, rows.Row);
+    whole_tables_ = true;
+    if (line_.empty()) return true;  // a table without columns
+    line_ += u')';
+    return EndStatement(error);
 }
 
 bool SQLScript::EndStatement(String& error) {
@@ -94,6 +97,7 @@ bool SQLScript::ContinueFile(String& error) {
 
 bool SQLScript::EndFile(String& error) {
     if (statement_ == Statement::CreateTable) {
+        if (whole_tables_) return true;  // each is complete
         line_ += u')';
         return EndStatement(error);
     }

@@ -8,7 +8,8 @@
 namespace DataConsumers {
 
 // Writes the rows as insert statements, or, for the type "DDLScript", takes each row as the
-// description of a column and writes a create table statement.
+// description of a column and writes a create table statement. A row that brings nested row sets is
+// a table with its schema, and they are its columns; it gets a statement of its own.
 //
 //     insert into "Orders"("Id","Name") values (1,'O''Brien'),
 //        (2,NULL);
@@ -36,6 +37,7 @@ private:
 
     bool AppendRow(const RowSet& rows);
     bool AppendColumn(const RowSet& rows);
+    bool WriteTable(String& error, const RowSet& rows);
     bool EndStatement(String& error);
 
     const Statement statement_;
@@ -49,6 +51,7 @@ private:
     bool prepare_pending_ = false;
     String prefix_;                   // of the insert statements
     std::int64_t rows_in_batch_ = 0;  // in line_, the statement that is being put together
+    bool whole_tables_ = false;       // the rows are tables that bring their columns along
 };
 
 }  // namespace DataConsumers

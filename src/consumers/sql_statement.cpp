@@ -20,9 +20,9 @@ void AppendQuoted(String& statement, StringView name) {
 }
 
 void AppendDoublingQuotes(String& statement, StringView value) {
-    AppendEscaped(
-        statement, value, [](auto unit) { return unit == u'\''; },
-        [](String& out, char16_t) { out += u"''"; });
+    const auto is_quote = [](auto unit) { return unit == u'\''; };
+    const auto append_doubled = [](String& out, char16_t) { out += u"''"; };
+    AppendEscaped(statement, value, is_quote, append_doubled);
 }
 
 StringView StripQuotesOrBrackets(StringView name) {
@@ -44,6 +44,7 @@ String SizePart(const DataRow& row) {
     const String type = text::Lowered(TextOf(row, kTypeName));
     const bool has_digits = HoldsOneOf(type, {u"numeric", u"number", u"money"});
     StringView size = TextOf(row, kSize);
+    if (type.ends_with(u')')) return {};  // some drivers put the size into the type's name
     if (size.empty() || (!has_digits && !HoldsOneOf(type, {u"char", u"binary"}))) return {};
     if (size == u"0") size = u"max";
     const StringView digits = TextOf(row, kDigits);
@@ -54,6 +55,16 @@ String SizePart(const DataRow& row) {
 String DefaultPart(const DataRow& row) {
     const StringView value = TextOf(row, kDefault);
     return value.empty() ? String() : Format(u" default %s ", value);
+}
+
+void AppendCreateTable(String& statement, const QualifiedName& name) {
+    statement += u"create table ";
+    if (!name.schema.empty()) {
+        AppendQuoted(statement, name.schema);
+        statement += u'.';
+    }
+    AppendQuoted(statement, name.table);
+    statement += u" (";
 }
 
 }  // namespace
@@ -120,18 +131,19 @@ QualifiedName DivideName(StringView name) {
             StripQuotesOrBrackets(name.substr(stop + 1))};
 }
 
-void AppendCreateTable(String& statement, const QualifiedName& name) {
-    statement += u"create table ";
-    if (!name.schema.empty()) {
-        AppendQuoted(statement, name.schema);
-        statement += u'.';
-    }
-    AppendQuoted(statement, name.table);
-    statement += u" (";
+QualifiedName NameOfDescribed(StringView setting, StringView resolved, const RowSet& rows) {
+    const bool named_by_rows = setting.empty() || setting == u"$TABLE$";
+    if (named_by_rows && !rows.TableName.empty()) return {rows.SchemaName, rows.TableName};
+    return DivideName(resolved);
 }
 
-bool AppendColumnLine(String& statement, const DataRow& row) {
+bool AppendColumnLine(String& statement, const QualifiedName& table, const DataRow& row) {
     if (row.size() <= kTypeName) return false;
+    if (statement.empty()) {
+        AppendCreateTable(statement, table);
+    } else {
+        statement += u',';
+    }
     const StringView nullability = TextOf(row, kNullable) == u"0" ? u"not null" : u"null";
     statement += Format(u"\r\n %s %s%s %s%s", TextOf(row, kColumn), TextOf(row, kTypeName),
                         SizePart(row), DefaultPart(row), nullability);

@@ -32,19 +32,24 @@ struct QualifiedName {
 // around each piece go. The pieces are views into `name`.
 QualifiedName DivideName(StringView name);
 
-// Appends the begin of a create table statement: create table "schema"."table" (
-void AppendCreateTable(String& statement, const QualifiedName& name);
+// The table that rows of column descriptions belong to: what the setting names, or the rows' own
+// table where the setting is empty or "$TABLE$" and the rows know it.
+// setting, resolved: the table's name before and after its macros were replaced.
+QualifiedName NameOfDescribed(StringView setting, StringView resolved, const RowSet& rows);
 
-// Appends the line of one column, with its line end in front:
+// Appends the line of a column to a create table statement, which it begins where `statement` is
+// empty:
 //
+//     create table "schema"."table" (
 //      price numeric(9,2)  default 7 not null
 //
 // row: describes the column, as the rows of a database's structure do: table, column, type name,
 //      size, digits, nullable, default. Values that are NULL or missing count as empty. The size is
 //      written for types with "char", "binary", "numeric", "number" or "money" in their name, 0 as
-//      "max", and for the last three with the digits, unless they are 0. A nullable of "0" gives
+//      "max", and for the last three with the digits, unless they are 0. A type name that ends
+//      with ")" has its size already. A nullable of "0" gives
 //      "not null".
 // False when the row is too short to hold a type name.
-bool AppendColumnLine(String& statement, const DataRow& row);
+bool AppendColumnLine(String& statement, const QualifiedName& table, const DataRow& row);
 
 }  // namespace sql

@@ -11,3 +11,4 @@ constexpr std::int32_t kSqlInteger = 4;
 constexpr std::int32_t kSqlSmallInt = 5;
 constexpr std::int32_t kSqlFloat = 6;
 constexpr std::int32_t kSqlReal = 7;
+constexpr std::int32_t kSqlVarchar = 12;

@@ -2,7 +2,12 @@
 
 #include "core/type_table.h"
 #include "files/format.h"
+#include "providers/database_content.h"
+#include "providers/database_metadata.h"
 #include "providers/database_query.h"
+#include "providers/odbc_data_sources.h"
+#include "providers/odbc_drivers.h"
+#include "providers/oledb_providers.h"
 #include "providers/text_file.h"
 
 namespace DataProviders {
@@ -11,7 +16,13 @@ namespace {
 constexpr TypeWord<DataProvider> kTypes[] = {
     {u"DatabaseQuery", MakeOf<DataProvider, DatabaseQuery>},
     {u"DatabaseTable", MakeOf<DataProvider, DatabaseQuery>},
+    {u"ODBCDataSourcesList", MakeOf<DataProvider, ODBCDataSources>},
+    {u"ODBCDriverList", MakeOf<DataProvider, ODBCDrivers>},
     {u"TextFile", MakeOf<DataProvider, TextFile>},
+    {u"DatabaseSchema", MakeOf<DataProvider, DatabaseMetadata>},
+    {u"Database", MakeOf<DataProvider, DatabaseContent>},
+    {u"DatabaseContent", MakeOf<DataProvider, DatabaseContent>},
+    {u"OledbProvidersList", MakeOf<DataProvider, OledbProviders>},
 };
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "files/dfile.h"
 #include "files/format.h"
 #include "files/text.h"
-#include "platform/console.h"
 #include "platform/file_system.h"
 
 namespace DataProviders {
@@ -48,33 +47,16 @@ bool ReadQuery(String& error, const SectionSettings& settings, String& query) {
 
 }  // namespace
 
-DatabaseQuery::~DatabaseQuery() { Close(); }
-
 bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
-    String source = settings.ResolvedText(u"DSN");
-    if (source.empty()) source = settings.ResolvedText(u"ConnectString");
-    if (source.empty()) {
+    DataStorages::ConnectionSettings connection;
+    if (!connection.Read(settings)) {
         error = u"The data source or connection string is not provided.";
         return false;
     }
     String query;
-    if (!ReadQuery(error, settings, query)) return false;
-    String login = settings.Text(u"Login");
-    if (login.empty()) login = settings.Text(u"User");  // where the -Login switch puts it
-    Close();
-    database_ = std::make_unique<DataStorages::ODBCDatabase>();
-    if (!database_->Open(error, source, login, settings.Text(u"Password"))) return false;
+    if (!ReadQuery(error, settings, query) || !Connect(error, connection)) return false;
     settings.ResolveAllMacros(query);
-    if (database_->Query(error, query, rows)) return true;
-    error += u"\r\n" + query;
-    return false;
-}
-
-bool DatabaseQuery::Fetch(String& error, RowSet& rows, bool track_widths) {
-    if (!database_) return false;
-    const bool fetched = database_->Fetch(error, rows, track_widths);
-    if (!fetched && database_->ReadingFailed()) TellOfLostRows();
-    return fetched;
+    return RunQuery(error, query, rows);
 }
 
 // A row of the next result set has its own number of values.
@@ -82,17 +64,8 @@ bool DatabaseQuery::HasMoreData(String& error, RowSet& rows) {
     if (!database_) return false;
     const bool more = database_->HasMoreData(error, rows);
     if (more) rows.ClearRow();
-    if (!more && database_->ReadingFailed()) TellOfLostRows();
+    if (!more) TellOfLostRows();
     return more;
 }
-
-// The step takes a failure while reading for the end of the data. Whoever watches the job must be
-// able to find out.
-void DatabaseQuery::TellOfLostRows() const {
-    platform::WriteErrorText(
-        Format(u"Warning: reading from the database failed: %s\n", database_->LastError()));
-}
-
-bool DatabaseQuery::Close() { return database_ && database_->Close(); }
 
 }  // namespace DataProviders

@@ -16,6 +16,8 @@ constexpr std::size_t kStateCharacters = 5;
 constexpr std::size_t kLastErrorCharacters = 543;
 constexpr std::size_t kConnectOutputCharacters = 388;
 constexpr std::size_t kAttributeBufferBytes = 255;
+constexpr std::size_t kListedCharacters = 255;
+constexpr std::size_t kAttributesCharacters = 8'192;
 
 // ODBC takes texts that it does not change through pointers to non-constant units.
 SQLWCHAR* ToOdbc(const char16_t* text) {
@@ -41,6 +43,20 @@ void FreeHandle(SQLSMALLINT type, void*& handle) {
 template <std::size_t N>
 String TextOf(const std::array<char16_t, N>& buffer) {
     return {buffer.begin(), std::find(buffer.begin(), buffer.end(), u'\0')};
+}
+
+// The texts in a buffer, each ended by a zero and the last by two, with ";" between them.
+template <std::size_t N>
+String JoinedTexts(const std::array<char16_t, N>& buffer) {
+    String joined;
+    auto at = buffer.begin();
+    while (at != buffer.end() && *at != u'\0') {
+        const auto end = std::find(at, buffer.end(), u'\0');
+        if (!joined.empty()) joined += u';';
+        joined.append(at, end);
+        at = end == buffer.end() ? end : end + 1;
+    }
+    return joined;
 }
 
 // Literals of these types stand in quotes unless the driver says otherwise.
@@ -409,6 +425,53 @@ bool ODBCDatabase::Columns(String& error, const String& schema, const String& ta
         columns.push_back(std::move(entry));
     }
     return CloseQuery();
+}
+
+// ---- The machine's drivers and data sources ----
+
+bool ODBCDatabase::HasEnvironment(String& error) const {
+    if (environment_ == nullptr) error = u"ODBC subsystem is not initialized properly";
+    return environment_ != nullptr;
+}
+
+bool ODBCDatabase::DataSources(String& error, bool of_system, bool of_user,
+                               std::vector<TableEntry>& sources) const {
+    if (!HasEnvironment(error)) return false;
+    sources.clear();
+    if (of_system) ListDataSources(SQL_FETCH_FIRST_SYSTEM, 1, sources);
+    if (of_user) ListDataSources(SQL_FETCH_FIRST_USER, 0, sources);
+    return true;
+}
+
+void ODBCDatabase::ListDataSources(std::uint16_t first, std::uint8_t flag,
+                                   std::vector<TableEntry>& sources) const {
+    std::array<char16_t, kListedCharacters> name{};
+    std::array<char16_t, kListedCharacters> driver{};
+    const auto characters = static_cast<SQLSMALLINT>(kListedCharacters);
+    SQLSMALLINT length = 0;
+    for (SQLUSMALLINT direction = first;; direction = SQL_FETCH_NEXT) {
+        const SQLRETURN result =
+            SQLDataSourcesW(environment_, direction, ToOdbc(name.data()), characters, &length,
+                            ToOdbc(driver.data()), characters, &length);
+        if (!Succeeded(result)) return;
+        sources.push_back({TextOf(name), TextOf(driver), flag});
+    }
+}
+
+bool ODBCDatabase::Drivers(String& error, std::vector<DriverEntry>& drivers) const {
+    if (!HasEnvironment(error)) return false;
+    drivers.clear();
+    std::array<char16_t, kListedCharacters> name{};
+    std::array<char16_t, kAttributesCharacters> attributes{};
+    SQLSMALLINT length = 0;
+    for (SQLUSMALLINT direction = SQL_FETCH_FIRST;; direction = SQL_FETCH_NEXT) {
+        const SQLRETURN result =
+            SQLDriversW(environment_, direction, ToOdbc(name.data()),
+                        static_cast<SQLSMALLINT>(name.size()), &length, ToOdbc(attributes.data()),
+                        static_cast<SQLSMALLINT>(attributes.size()), &length);
+        if (!Succeeded(result)) return true;
+        drivers.push_back({TextOf(name), JoinedTexts(attributes)});
+    }
 }
 
 }  // namespace DataStorages

@@ -62,6 +62,14 @@ public:
     bool Columns(String& error, const String& schema, const String& table,
                  std::vector<CatalogColumn>& columns) override;
 
+    // What the driver manager knows, without a connection: data source names with their driver
+    // (Detail) and whether they belong to the machine (Flag 1) or to the user (Flag 0), in this
+    // order; and drivers.
+    // "ODBC subsystem is not initialized properly"
+    bool DataSources(String& error, bool of_system, bool of_user,
+                     std::vector<TableEntry>& sources) const;
+    bool Drivers(String& error, std::vector<DriverEntry>& drivers) const;
+
     std::int16_t ColumnCount() const override { return column_count_; }
 
     // The driver's diagnostic for the last failure.
@@ -87,6 +95,9 @@ private:
     Value ReadValue(std::uint16_t number, std::int32_t buffer_bytes, StringView& text);
     String ReadCatalogText(std::uint16_t number);
     String SearchPattern(const String& name) const;
+    bool HasEnvironment(String& error) const;
+    void ListDataSources(std::uint16_t first, std::uint8_t flag,
+                         std::vector<TableEntry>& sources) const;
 
     bool connected_ = false;
     bool query_active_ = false;

@@ -27,6 +27,12 @@ struct CatalogColumn {
     String Default;
 };
 
+// An ODBC driver of the machine.
+struct DriverEntry {
+    String Name;
+    String Attributes;  // "name=value", joined with ";"
+};
+
 enum class TableKind { Tables = 0, Views = 1 };
 
 // A database: statements go in, result sets come out. Operations return false on failure and say

@@ -42,18 +42,17 @@ TEST(SqlStatement, ListsTheValuesOfARow) {
 }
 
 TEST(SqlStatement, DividesTableNames) {
+    // The schema and the table, with "|" between them.
     // clang-format off
     const Case kCases[] = {
-        {u"Orders", "\"Orders\""}, {u".Orders", "\"Orders\""}, {u"shop.dbo.Orders", "\"shop.dbo\".\"Orders\""},
-        {u"[a.b].c", "\"a.b\".\"c\""}, {u"dbo.[My.Orders]", "\"dbo\".\"My.Orders\""}, {u"[a]b", "\"[a]b\""},
-        {u"a].b", "\"a]\".\"b\""}, {u"\"a.b\".\"c.d\"", "\"a.b\".\"c.d\""},
-        {u"[a\".b].\"[c.d\"", "\"a\".b\".\"[c.d\""}, {u"\"say \"\"a.b\"\"\"", "\"say \"\"a.b\"\"\""},
+        {u"Orders", "|Orders"}, {u".Orders", "|Orders"}, {u"shop.dbo.Orders", "shop.dbo|Orders"},
+        {u"[a.b].c", "a.b|c"}, {u"dbo.[My.Orders]", "dbo|My.Orders"}, {u"[a]b", "|[a]b"}, {u"a].b", "a]|b"},
+        {u"\"a.b\".\"c.d\"", "a.b|c.d"}, {u"[a\".b].\"[c.d\"", "a\".b|[c.d"}, {u"\"say \"\"a.b\"\"\"", "|say \"\"a.b\"\""},
     };
     // clang-format on
     for (const auto& [name, divided] : kCases) {
-        String statement;
-        sql::AppendCreateTable(statement, sql::DivideName(name));
-        EXPECT_EQ(ToUtf8(statement), std::string("create table ") + divided + " (");
+        const sql::QualifiedName parts = sql::DivideName(name);
+        EXPECT_EQ(ToUtf8(parts.schema) + "|" + ToUtf8(parts.table), divided);
     }
 }
 

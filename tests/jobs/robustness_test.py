@@ -181,6 +181,23 @@ class Robustness(Scene):
         self.assertRegex(result.stderr, rb"^Warning: reading from the database failed: .*overflow")
         self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
 
+    def test_lists_of_drivers_and_data_sources(self):
+        # What the system knows is in the way; the drivers are always those of the system.
+        self.write("odbc.ini", "[Sales]\nDriver=SQLite3\n[Under]\nDriver=Own driver\n")
+        job = ("Globals\nOverwrite=1\nSystem=0\nStep 1\nSource\nType=ODBCDataSourcesList\n"
+               "Target\nType=TextFile\nEncoding=UTF8\nName=sources.txt\n"
+               "Step 2\nSource\nType=ODBCDriverList\nTarget\nType=TextFile\nName=drivers.txt\n")
+        environment = os.environ | {"LC_ALL": "C.UTF-8", "ODBCINI": str(self.path / "odbc.ini")}
+        self.assert_ends(self.run_job(job, env=environment), 0, b"")
+        self.assertEqual((self.path / "sources.txt").read_text("utf-8-sig").splitlines(),
+                         ["Sales\tUser\tSQLite3", "Under\tUser\tOwn driver"])
+        drivers = {line.split("\t")[0]: line.split("\t")[1:]
+                   for line in (self.path / "drivers.txt").read_text().splitlines()}
+        library, version, attributes = drivers["SQLite3"]
+        self.assertRegex(library, r"libsqlite3odbc\.so$")
+        self.assertRegex(version, r"^0\.\d+$")
+        self.assertIn(f"Driver={library};", attributes)
+
     def test_long_lines_of_percent_signs(self):
         self.write("in.txt", "a\n" + "%" * 4_000_000 + "\n")
         result = self.run_job(COPY.format(source="in.txt", target="CONSOLE"))

@@ -1,0 +1,61 @@
+#include "consumers/database_data.h"
+
+#include "consumers/sql_statement.h"
+#include "files/format.h"
+#include "storages/connection_settings.h"
+
+namespace DataConsumers {
+
+DatabaseData::~DatabaseData() { database_.Close(); }
+
+bool DatabaseData::Open(String& error, const SectionSettings& settings) {
+    written_size_ = 0;
+    prefix_.clear();
+    DataStorages::ConnectionSettings connection;
+    if (!connection.Read(settings)) {
+        error = u"The data source name or connect string is not provided";
+        return false;
+    }
+    table_ = settings.ResolvedText(u"Table");
+    if (table_.empty()) {
+        error = u"The target table name is not provided";
+        return false;
+    }
+    delimiter_ = settings.Text(u"Delimiter");
+    if (!database_.Open(error, connection.source, connection.login, connection.password)) {
+        return false;
+    }
+    const bool described = database_.Query(error, u"select * from " + table_, table_rows_);
+    database_.CloseQuery();
+    if (!described) error = u"Could not retrieve table defintition";  // published spelling
+    return described;
+}
+
+bool DatabaseData::Prepare(String& /*error*/, RowSet& /*rows*/) { return true; }
+
+bool DatabaseData::Write(String& error, RowSet& rows) {
+    if (rows.Columns.size() != table_rows_.Columns.size()) {
+        // Published spelling.
+        error = Format(u"Traget table has different structure [%d -> %d columns].",
+                       rows.Columns.size(), table_rows_.Columns.size());
+        return false;
+    }
+    if (prefix_.empty()) prefix_ = sql::InsertPrefix(table_, table_rows_.Columns, false);
+    statement_ = prefix_;
+    if (!sql::AppendValueList(statement_, rows.Columns, rows.Row)) {
+        error = u"Cound not build SQL statement";  // published spelling
+        return false;
+    }
+    statement_ += delimiter_;
+    if (!database_.ExecNonQuery(error, statement_)) return false;
+    ++written_size_;
+    return true;
+}
+
+bool DatabaseData::NextResultSet(String& /*error*/, const SectionSettings& /*settings*/) {
+    return false;
+}
+
+bool DatabaseData::Close(String& /*error*/) { return database_.Close(); }
+
+}  // namespace DataConsumers

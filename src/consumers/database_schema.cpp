@@ -1,0 +1,50 @@
+#include "consumers/database_schema.h"
+
+#include "consumers/sql_statement.h"
+#include "storages/connection_settings.h"
+
+namespace DataConsumers {
+
+DatabaseSchema::~DatabaseSchema() { database_.Close(); }
+
+bool DatabaseSchema::Open(String& error, const SectionSettings& settings) {
+    written_size_ = 0;
+    statement_.clear();
+    DataStorages::ConnectionSettings connection;
+    if (!connection.Read(settings)) {
+        error = u"The data source name or connect string is not provided";
+        return false;
+    }
+    if (!database_.Open(error, connection.source, connection.login, connection.password)) {
+        return false;
+    }
+    table_setting_ = settings.Text(u"Table");
+    table_ = settings.ResolvedText(u"Table");
+    delimiter_ = settings.Text(u"Delimiter");
+    return true;
+}
+
+bool DatabaseSchema::Prepare(String& /*error*/, RowSet& /*rows*/) { return false; }
+
+bool DatabaseSchema::Write(String& error, RowSet& rows) {
+    const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
+    if (sql::AppendColumnLine(statement_, name, rows.Row)) {
+        ++written_size_;
+        return true;
+    }
+    error = u"Cound not build SQL statement";  // published spelling
+    return false;
+}
+
+bool DatabaseSchema::NextResultSet(String& /*error*/, const SectionSettings& /*settings*/) {
+    return false;
+}
+
+bool DatabaseSchema::Close(String& /*error*/) {
+    statement_ += u')';
+    statement_ += delimiter_;
+    statement_ += u"\r\n";
+    return database_.Close();
+}
+
+}  // namespace DataConsumers

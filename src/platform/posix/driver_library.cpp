@@ -1,0 +1,70 @@
+#include "platform/driver_library.h"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+
+#include "base/utf8.h"
+#include "platform/odbc.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Where the driver manager's own library is; drivers without a path stand there or below it.
+fs::path LibraryFolder() {
+    Dl_info info{};
+    const auto* const address = reinterpret_cast<const void*>(&SQLDriversW);
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
+    return fs::path(info.dli_fname).parent_path();
+}
+
+// The file behind a driver's entry, links followed; empty when there is none.
+fs::path FileOf(const String& library) {
+    std::error_code error;
+    const fs::path name = ToNativeBytes(library);
+    const fs::path folder = LibraryFolder();
+    for (const fs::path& candidate : {name, folder / "odbc" / name, folder / name}) {
+        fs::path file = fs::canonical(candidate, error);
+        if (!error) return file;
+    }
+    return {};
+}
+
+bool IsVersion(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789.") == std::string_view::npos;
+}
+
+}  // namespace
+
+// The driver manager lists all entries of a driver as its attributes.
+String DriverLibrary(const String& /*name*/, const String& attributes) {
+    constexpr StringView kEntry = u"Driver=";
+    for (std::size_t start = 0; start < attributes.size();) {
+        const std::size_t end = std::min(attributes.find(u';', start), attributes.size());
+        const StringView attribute = StringView(attributes).substr(start, end - start);
+        if (attribute.starts_with(kEntry)) return String(attribute.substr(kEntry.size()));
+        start = end + 1;
+    }
+    return {};
+}
+
+String DriverLibraryVersion(const String& library) {
+    if (library.empty()) return {};
+    const std::string name = FileOf(library).filename().string();
+    constexpr std::string_view kSuffix = ".so";
+    const std::size_t suffix = name.find(kSuffix);
+    if (suffix == std::string::npos) return {};
+    const std::string_view behind = std::string_view(name).substr(suffix + kSuffix.size());
+    if (behind.starts_with('.') && IsVersion(behind.substr(1))) {
+        return FromNativeBytes(behind.substr(1));
+    }
+    const std::string_view stem = std::string_view(name).substr(0, suffix);
+    const std::size_t dash = stem.rfind('-');
+    if (!behind.empty() || dash == std::string::npos || !IsVersion(stem.substr(dash + 1)))
+        return {};
+    return FromNativeBytes(stem.substr(dash + 1));
+}
+
+}  // namespace platform

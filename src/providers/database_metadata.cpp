@@ -1,0 +1,115 @@
+#include "providers/database_metadata.h"
+
+#include "core/sql_types.h"
+#include "files/format.h"
+#include "storages/odbc_database.h"
+
+namespace DataProviders {
+namespace {
+
+using DataStorages::CatalogColumn;
+using DataStorages::StorageDatabase;
+using DataStorages::TableEntry;
+using DataStorages::TableKind;
+
+ColumnDefinition IntegerColumn(const char16_t* name) { return {name, kSqlInteger, u"integer", 8}; }
+
+std::vector<ColumnDefinition> ColumnsOfColumns() {
+    return {TextColumn(u"Table", 256),  TextColumn(u"Column", 256), TextColumn(u"TypeName", 256),
+            IntegerColumn(u"Size"),     IntegerColumn(u"Digits"),   IntegerColumn(u"IsNullable"),
+            TextColumn(u"Default", 256)};
+}
+
+std::vector<String> ValuesOf(const CatalogColumn& column) {
+    return {column.Table,  column.Column,   column.TypeName, column.Size,
+            column.Digits, column.Nullable, column.Default};
+}
+
+// A row set of one row that describes one column.
+RowSet Describe(const CatalogColumn& column) {
+    RowSet rows;
+    rows.Columns = ColumnsOfColumns();
+    for (String& value : ValuesOf(column)) rows.Row.push_back({false, true, std::move(value)});
+    return rows;
+}
+
+}  // namespace
+
+bool DatabaseMetadata::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+    Clear();
+    columns_of_tables_.clear();
+    next_table_ = 0;
+    DataStorages::ConnectionSettings connection;
+    if (!connection.Read(settings)) {
+        error = u"The database type or connection type is not supported yet";
+        return false;
+    }
+    DataStorages::ODBCDatabase database;
+    if (!database.Open(error, connection.source, connection.login, connection.password)) {
+        return false;
+    }
+    const bool collected = Collect(error, settings, database, rows);
+    return database.Close() && collected;
+}
+
+bool DatabaseMetadata::Collect(String& error, const SectionSettings& settings,
+                               StorageDatabase& database, RowSet& rows) {
+    const String type = settings.Text(u"ObjectType");
+    const bool with_columns = settings.Flag(u"WithColumns", false);
+    if (type == u"Table") return CollectColumns(error, settings, u"table", database, rows);
+    if (type == u"View") return CollectColumns(error, settings, u"view", database, rows);
+    if (type == u"AllTables")
+        return CollectTables(error, TableKind::Tables, with_columns, database, rows);
+    if (type == u"AllViews")
+        return CollectTables(error, TableKind::Views, with_columns, database, rows);
+    error = Format(u"Object type '%s' is not supported yet.", type);
+    return false;
+}
+
+bool DatabaseMetadata::CollectColumns(String& error, const SectionSettings& settings,
+                                      StringView kind, StorageDatabase& database, RowSet& rows) {
+    const String name = settings.Text(u"Name");
+    const String schema = settings.Text(u"Schema");
+    if (name.empty()) {
+        error = Format(u"'Name' parameter is mandatory for %s.", kind);
+        return false;
+    }
+    Columns columns;
+    if (!database.Columns(error, schema, name, columns)) {
+        error = Format(u"Could not retrieve list of columns. Schema='%s',Table='%s'", schema, name);
+        return false;
+    }
+    for (const CatalogColumn& column : columns) Add(ValuesOf(column));
+    rows.SchemaName = schema;
+    rows.TableName = name;
+    rows.Columns = ColumnsOfColumns();
+    return true;
+}
+
+bool DatabaseMetadata::CollectTables(String& error, TableKind kind, bool with_columns,
+                                     StorageDatabase& database, RowSet& rows) {
+    std::vector<TableEntry> tables;
+    if (!database.Tables(error, tables, kind)) return false;
+    for (const TableEntry& table : tables) {
+        Add({table.Name, table.Detail});
+        if (!with_columns) continue;
+        Columns& columns = columns_of_tables_.emplace_back();
+        if (!database.Columns(error, table.Detail, table.Name, columns)) return false;
+    }
+    if (rows.Columns.size() < 2) {
+        rows.Columns = {TextColumn(u"Table", 256), TextColumn(u"Schema", 256)};
+    }
+    return true;
+}
+
+bool DatabaseMetadata::Fetch(String& error, RowSet& rows, bool track_widths) {
+    if (!CollectedSource::Fetch(error, rows, track_widths)) return false;
+    if (next_table_ == columns_of_tables_.size()) return true;
+    rows.Nested = std::make_unique<std::vector<RowSet>>();
+    for (const CatalogColumn& column : columns_of_tables_[next_table_++]) {
+        rows.Nested->push_back(Describe(column));
+    }
+    return true;
+}
+
+}  // namespace DataProviders

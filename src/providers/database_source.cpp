@@ -1,0 +1,39 @@
+#include "providers/database_source.h"
+
+#include "files/format.h"
+#include "platform/console.h"
+
+namespace DataProviders {
+
+DatabaseSource::~DatabaseSource() { DatabaseSource::Close(); }
+
+bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettings& connection) {
+    Close();
+    database_ = std::make_unique<DataStorages::ODBCDatabase>();
+    return database_->Open(error, connection.source, connection.login, connection.password);
+}
+
+bool DatabaseSource::RunQuery(String& error, const String& query, RowSet& rows) {
+    if (database_->Query(error, query, rows)) return true;
+    error += u"\r\n" + query;
+    return false;
+}
+
+bool DatabaseSource::Fetch(String& error, RowSet& rows, bool track_widths) {
+    if (!database_) return false;
+    const bool fetched = database_->Fetch(error, rows, track_widths);
+    if (!fetched) TellOfLostRows();
+    return fetched;
+}
+
+// The step takes a failure while reading for the end of the data. Whoever watches the job must be
+// able to find out.
+void DatabaseSource::TellOfLostRows() const {
+    if (!database_->ReadingFailed()) return;
+    platform::WriteErrorText(
+        Format(u"Warning: reading from the database failed: %s\n", database_->LastError()));
+}
+
+bool DatabaseSource::Close() { return database_ && database_->Close(); }
+
+}  // namespace DataProviders

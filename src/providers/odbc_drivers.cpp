@@ -1,0 +1,30 @@
+#include "providers/odbc_drivers.h"
+
+#include "platform/driver_library.h"
+#include "storages/odbc_database.h"
+
+namespace DataProviders {
+
+bool ODBCDrivers::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+    Clear();
+    const bool with_library = settings.Flag(u"DLLPath", true);
+    const bool with_version = settings.Flag(u"Version", true);
+    const bool with_attributes = settings.Flag(u"Attributes", true);
+    std::vector<DataStorages::DriverEntry> drivers;
+    if (!DataStorages::ODBCDatabase().Drivers(error, drivers)) return false;
+    for (const DataStorages::DriverEntry& driver : drivers) {
+        const String library = platform::DriverLibrary(driver.Name, driver.Attributes);
+        Values values{driver.Name};
+        if (with_library) values.push_back(library);
+        if (with_version) values.push_back(platform::DriverLibraryVersion(library));
+        if (with_attributes) values.push_back(driver.Attributes);
+        Add(std::move(values));
+    }
+    rows.Columns = {TextColumn(u"Driver", 256)};
+    if (with_library) rows.Columns.push_back(TextColumn(u"DLLPath", 256));
+    if (with_version) rows.Columns.push_back(TextColumn(u"Version", 16));
+    if (with_attributes) rows.Columns.push_back(TextColumn(u"Attributes", 1024));
+    return true;
+}
+
+}  // namespace DataProviders

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/oledb.h"
+#include "providers/collected_source.h"
+
+namespace DataProviders {
+
+// Lists the OLE DB providers of the machine: Name, Description.
+class OledbProviders final : public CollectedSource {
+public:
+    // "CEnumerator open error [0x%08X]\n"
+    bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+
+private:
+    platform::ComSession com_;
+};
+
+}  // namespace DataProviders

@@ -1,0 +1,14 @@
+#include "storages/connection_settings.h"
+
+namespace DataStorages {
+
+bool ConnectionSettings::Read(const SectionSettings& settings) {
+    source = settings.ResolvedText(u"DSN");
+    if (source.empty()) source = settings.ResolvedText(u"ConnectString");
+    login = settings.Text(u"Login");
+    if (login.empty()) login = settings.Text(u"User");  // where the -Login switch puts it
+    password = settings.Text(u"Password");
+    return !source.empty();
+}
+
+}  // namespace DataStorages

@@ -1,0 +1,2 @@
+create table "main"."a_b" (
+ x TEXT  default NULL null)
