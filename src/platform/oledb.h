@@ -13,18 +13,6 @@ struct OledbProvider {
     String description;
 };
 
-// COM on the calling thread, for as long as this lives.
-class ComSession {
-public:
-    ComSession();
-    ~ComSession();
-    ComSession(const ComSession&) = delete;
-    ComSession& operator=(const ComSession&) = delete;
-
-private:
-    bool initialised_ = false;
-};
-
 // Lists what the OLE DB root enumerator enumerates. Returns 0, or the HRESULT of what failed;
 // elsewhere than on Windows 0x80040154 (REGDB_E_CLASSNOTREG).
 std::uint32_t ListOledbProviders(std::vector<OledbProvider>& providers);

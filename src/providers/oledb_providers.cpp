@@ -1,6 +1,7 @@
 #include "providers/oledb_providers.h"
 
 #include "files/format.h"
+#include "platform/oledb.h"
 
 namespace DataProviders {
 

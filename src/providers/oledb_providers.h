@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/oledb.h"
 #include "providers/collected_source.h"
 
 namespace DataProviders {
@@ -10,9 +9,6 @@ class OledbProviders final : public CollectedSource {
 public:
     // "CEnumerator open error [0x%08X]\n"
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
-
-private:
-    platform::ComSession com_;
 };
 
 }  // namespace DataProviders

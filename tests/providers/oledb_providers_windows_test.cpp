@@ -107,6 +107,7 @@ TEST(OledbProviders, AreThoseOfTheRootEnumerator) {
     const SectionSettings settings = step.With(Section::Source, {});
     DataProviders::OledbProviders source;
     Enumerator enumerator;
+    ASSERT_EQ(::CoInitialize(nullptr), S_OK);
     DWORD registration = 0;
     IClassFactory* const factory = &enumerator;
     ASSERT_EQ(::CoRegisterClassObject(kRootEnumerator, factory, CLSCTX_INPROC_SERVER,
@@ -116,6 +117,7 @@ TEST(OledbProviders, AreThoseOfTheRootEnumerator) {
     RowSet rows;
     EXPECT_TRUE(source.Open(error, settings, rows)) << ToUtf8(error);
     ::CoRevokeClassObject(registration);
+    ::CoUninitialize();
     EXPECT_EQ(testing_support::ColumnNames(rows), "Name|Description|");
     const std::vector<std::string> expected{"First|The first provider|", "Zweiter \xC3\xBC||",
                                             "||"};

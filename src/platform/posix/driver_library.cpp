@@ -43,8 +43,10 @@ String DriverLibrary(const String& /*name*/, const String& attributes) {
     constexpr StringView kEntry = u"Driver=";
     for (std::size_t start = 0; start < attributes.size();) {
         const std::size_t end = std::min(attributes.find(u';', start), attributes.size());
-        const StringView attribute = StringView(attributes).substr(start, end - start);
-        if (attribute.starts_with(kEntry)) return String(attribute.substr(kEntry.size()));
+        if (attributes.compare(start, kEntry.size(), kEntry) == 0) {
+            start += kEntry.size();
+            return attributes.substr(start, end - start);
+        }
         start = end + 1;
     }
     return {};
@@ -56,15 +58,15 @@ String DriverLibraryVersion(const String& library) {
     constexpr std::string_view kSuffix = ".so";
     const std::size_t suffix = name.find(kSuffix);
     if (suffix == std::string::npos) return {};
-    const std::string_view behind = std::string_view(name).substr(suffix + kSuffix.size());
+    const std::string behind = name.substr(suffix + kSuffix.size());
     if (behind.starts_with('.') && IsVersion(behind.substr(1))) {
         return FromNativeBytes(behind.substr(1));
     }
-    const std::string_view stem = std::string_view(name).substr(0, suffix);
+    const std::string stem = name.substr(0, suffix);
     const std::size_t dash = stem.rfind('-');
-    if (!behind.empty() || dash == std::string::npos || !IsVersion(stem.substr(dash + 1)))
-        return {};
-    return FromNativeBytes(stem.substr(dash + 1));
+    const bool versioned =
+        behind.empty() && dash != std::string::npos && IsVersion(stem.substr(dash + 1));
+    return versioned ? FromNativeBytes(stem.substr(dash + 1)) : String{};
 }
 
 }  // namespace platform

@@ -23,6 +23,20 @@ constexpr DBORDINAL kDescription = 3;
 
 constexpr std::size_t kTextUnits = 1024;
 
+// COM on the calling thread, for as long as this lives.
+class ComSession {
+public:
+    ComSession() : initialised_(SUCCEEDED(::CoInitialize(nullptr))) {}
+    ComSession(const ComSession&) = delete;
+    ComSession& operator=(const ComSession&) = delete;
+    ~ComSession() {
+        if (initialised_) ::CoUninitialize();
+    }
+
+private:
+    const bool initialised_;
+};
+
 // Owns a reference to a COM object.
 template <class Interface>
 class ComReference {
@@ -116,13 +130,8 @@ HRESULT ListProviders(std::vector<OledbProvider>& providers) {
 
 }  // namespace
 
-ComSession::ComSession() : initialised_(SUCCEEDED(::CoInitialize(nullptr))) {}
-
-ComSession::~ComSession() {
-    if (initialised_) ::CoUninitialize();
-}
-
 std::uint32_t ListOledbProviders(std::vector<OledbProvider>& providers) {
+    const ComSession com;
     const HRESULT result = ListProviders(providers);
     return FAILED(result) ? static_cast<std::uint32_t>(result) : 0;
 }
