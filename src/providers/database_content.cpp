@@ -75,6 +75,7 @@ bool DatabaseContent::ListTables(String& error, const String& names) {
 }
 
 bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
+    if (!error.empty()) TellOfLostRows(error);  // of the table before
     error.clear();
     if (!database_ || next_ == tables_.size()) return false;
     const TableEntry& table = tables_[next_++];

@@ -26,12 +26,12 @@ bool DatabaseSource::Fetch(String& error, RowSet& rows, bool track_widths) {
     return fetched;
 }
 
-// The step takes a failure while reading for the end of the data. Whoever watches the job must be
-// able to find out.
+void DatabaseSource::TellOfLostRows(const String& reason) {
+    platform::WriteErrorText(Format(u"Warning: reading from the database failed: %s\n", reason));
+}
+
 void DatabaseSource::TellOfLostRows() const {
-    if (!database_->ReadingFailed()) return;
-    platform::WriteErrorText(
-        Format(u"Warning: reading from the database failed: %s\n", database_->LastError()));
+    if (database_->ReadingFailed()) TellOfLostRows(database_->LastError());
 }
 
 bool DatabaseSource::Close() { return database_ && database_->Close(); }

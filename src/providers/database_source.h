@@ -25,7 +25,10 @@ protected:
     // Runs a query and describes its columns. After a failure the query text follows the
     // database's message on its own line.
     bool RunQuery(String& error, const String& query, RowSet& rows);
-    // Tells of a failure of the latest reading that counts as the end of the data.
+    // Tells standard error that reading ended before its time. A step takes that for the end of
+    // the data; whoever watches the job must be able to find out.
+    static void TellOfLostRows(const String& reason);
+    // The same, where the database met a failure that it took for the end.
     void TellOfLostRows() const;
 
     std::unique_ptr<DataStorages::ODBCDatabase> database_;

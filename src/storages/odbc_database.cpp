@@ -4,6 +4,7 @@
 #include <array>
 #include <cassert>
 
+#include "base/utf8.h"
 #include "files/format.h"
 #include "files/text.h"
 #include "platform/odbc.h"
@@ -26,6 +27,8 @@ SQLWCHAR* ToOdbc(const char16_t* text) {
 SQLWCHAR* ToOdbc(const String& text) { return ToOdbc(text.c_str()); }
 
 SQLSMALLINT LengthOf(const String& text) { return static_cast<SQLSMALLINT>(text.size()); }
+
+bool IsSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 bool Succeeded(SQLRETURN result) {
     return result == SQL_SUCCESS || result == SQL_SUCCESS_WITH_INFO;
@@ -129,6 +132,7 @@ bool ODBCDatabase::Open(String& error, const String& source, const String& login
     }
     connected_ = Connect(error, source, login, password);
     if (!connected_) FreeHandle(SQL_HANDLE_DBC, connection_);
+    narrow_statements_ = connected_ && TakesNarrowStatementsOnly();
     return connected_;
 }
 
@@ -196,10 +200,32 @@ bool ODBCDatabase::PrepareStatement(String& error, const String& statement) {
     return false;
 }
 
+// SQLite's driver has wide calls on Windows only.
+bool ODBCDatabase::TakesNarrowStatementsOnly() const {
+    std::array<char16_t, 32> name{};
+    SQLSMALLINT length = 0;
+    const auto bytes = static_cast<SQLSMALLINT>((name.size() - 1) * sizeof(char16_t));
+    return platform::kNarrowOdbcTextIsUtf8 &&
+           Succeeded(SQLGetInfoW(connection_, SQL_DBMS_NAME, name.data(), bytes, &length)) &&
+           TextOf(name).starts_with(u"SQLite");
+}
+
+// unixODBC narrows statements for a driver without wide calls. As soon as one holds a character
+// beyond the basic plane it keeps the low byte of every character: values are lost, and some of
+// them turn into quotes, which lets them out of their literals. Such statements are narrowed here.
+bool ODBCDatabase::Execute(const String& statement) {
+    const bool beyond_basic_plane = std::any_of(statement.begin(), statement.end(), IsSurrogate);
+    if (!narrow_statements_ || !beyond_basic_plane) {
+        return Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS));
+    }
+    std::string bytes = ToUtf8(statement);
+    return Executed(SQLExecDirect(statement_, reinterpret_cast<SQLCHAR*>(bytes.data()), SQL_NTS));
+}
+
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
     query_active_ = false;
-    if (!Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) {
+    if (!Execute(statement)) {
         StoreDiagnostic();
         error = u"ODBCDatabase::Query execution error: " + last_error_;
         return false;
@@ -212,7 +238,7 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
 
 bool ODBCDatabase::ExecNonQuery(String& error, const String& statement) {
     if (!PrepareStatement(error, statement)) return false;
-    if (Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS))) return CloseQuery();
+    if (Execute(statement)) return CloseQuery();
     StoreDiagnostic();
     error = Format(u"ODBCDatabase::ExecNonQuery execution error: %s", last_error_);
     return false;

@@ -86,6 +86,8 @@ private:
     bool Connect(String& error, const String& source, const String& login, const String& password);
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
+    bool TakesNarrowStatementsOnly() const;
+    bool Execute(const String& statement);
     void StoreDiagnostic();
     bool MovedOn(std::int16_t result);
     void DescribeColumns(RowSet& rows);
@@ -100,6 +102,7 @@ private:
                          std::vector<TableEntry>& sources) const;
 
     bool connected_ = false;
+    bool narrow_statements_ = false;  // beyond the basic plane; see Execute
     bool query_active_ = false;
     bool reading_failed_ = false;
     void* environment_ = nullptr;

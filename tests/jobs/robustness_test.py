@@ -198,6 +198,19 @@ class Robustness(Scene):
         self.assertRegex(version, r"^0\.\d+$")
         self.assertIn(f"Driver={library};", attributes)
 
+    def test_values_beyond_the_basic_plane_stay_in_their_literals(self):
+        # The low bytes of U+19C20 are a quote and a blank, should a driver manager cut them off.
+        job = ('Globals\nConnectString="Driver=SQLite3;Database=data.db"\nEncoding=UTF8\n'
+               "Step 1\nSource\nType=DatabaseQuery\nQuery=create table t as select "
+               "char(128512) || char(105504) || '||(select 1)||' || char(105504) as a, 1 as b\n"
+               "Step 2\nSource\nType=DatabaseTable\nTable=t\n"
+               "Target\nType=DatabaseTable\nTable=t\n"
+               "Step 3\nSource\nType=DatabaseTable\nTable=t\n"
+               "Target\nType=TextFile\nName=out.txt\n")
+        self.assertEqual(self.run_job(job).returncode, 0)
+        value = "\U0001F600\U00019C20||(select 1)||\U00019C20\t1"
+        self.assertEqual((self.path / "out.txt").read_text("utf-8-sig").splitlines(), [value] * 2)
+
     def test_long_lines_of_percent_signs(self):
         self.write("in.txt", "a\n" + "%" * 4_000_000 + "\n")
         result = self.run_job(COPY.format(source="in.txt", target="CONSOLE"))
