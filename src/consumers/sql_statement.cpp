@@ -19,9 +19,9 @@ void AppendQuoted(String& statement, StringView name) {
     statement += u'"';
 }
 
-void AppendDoublingQuotes(String& statement, StringView value) {
-    const auto is_quote = [](auto unit) { return unit == u'\''; };
-    const auto append_doubled = [](String& out, char16_t) { out += u"''"; };
+void AppendDoubling(String& statement, StringView value, char16_t quote) {
+    const auto is_quote = [=](auto unit) { return unit == quote; };
+    const auto append_doubled = [](String& out, char16_t unit) { out.append(2, unit); };
     AppendEscaped(statement, value, is_quote, append_doubled);
 }
 
@@ -57,13 +57,20 @@ String DefaultPart(const DataRow& row) {
     return value.empty() ? String() : Format(u" default %s ", value);
 }
 
+// A name between double quotes, those in it doubled.
+void AppendIdentifier(String& statement, StringView name) {
+    statement += u'"';
+    AppendDoubling(statement, name, u'"');
+    statement += u'"';
+}
+
 void AppendCreateTable(String& statement, const QualifiedName& name) {
     statement += u"create table ";
     if (!name.schema.empty()) {
-        AppendQuoted(statement, name.schema);
+        AppendIdentifier(statement, name.schema);
         statement += u'.';
     }
-    AppendQuoted(statement, name.table);
+    AppendIdentifier(statement, name.table);
     statement += u" (";
 }
 
@@ -105,7 +112,7 @@ bool AppendValueList(String& statement, const std::vector<ColumnDefinition>& col
             continue;
         }
         statement += columns[i].LiteralPrefix;
-        AppendDoublingQuotes(statement, row[i].Text);
+        AppendDoubling(statement, row[i].Text, u'\'');
         statement += columns[i].LiteralSuffix;
     }
     statement += u')';

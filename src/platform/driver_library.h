@@ -16,4 +16,9 @@ String DriverLibrary(const String& name, const String& attributes);
 // libfoo-0.9998.so. Empty where there is none.
 String DriverLibraryVersion(const String& library);
 
+// False for a loaded driver without wide calls, which gets all text through the driver manager's
+// conversion. True on Windows, and where the driver cannot be found.
+// name: the driver's file name, as it tells it itself (SQL_DRIVER_NAME).
+bool DriverTakesWideText(const String& name);
+
 }  // namespace platform

@@ -8,14 +8,3 @@
 #include <sql.h>
 #include <sqlext.h>
 #include <sqlucode.h>
-
-namespace platform {
-
-// True where the narrow calls of drivers take UTF-8 rather than the characters of a code page.
-#ifdef _WIN32
-constexpr bool kNarrowOdbcTextIsUtf8 = false;
-#else
-constexpr bool kNarrowOdbcTextIsUtf8 = true;
-#endif
-
-}  // namespace platform

@@ -1,5 +1,7 @@
 #include "providers/collected_source.h"
 
+#include <algorithm>
+
 #include "core/sql_types.h"
 
 namespace DataProviders {
@@ -16,8 +18,9 @@ bool CollectedSource::Fetch(String& /*error*/, RowSet& rows, bool track_widths) 
     for (std::size_t i = 0; i < values.size(); ++i) {
         rows.Row[i].Text = values[i];
         rows.Row[i].IsNull = false;
-        if (track_widths && i < rows.Columns.size())
-            rows.Columns[i].RaiseMaxWidth(values[i].size());
+        if (!track_widths || i >= rows.Columns.size()) continue;
+        ColumnDefinition& column = rows.Columns[i];
+        column.RaiseMaxWidth(std::max(values[i].size(), column.Name.size()));
     }
     return true;
 }

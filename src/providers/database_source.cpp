@@ -14,6 +14,7 @@ bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettin
 }
 
 bool DatabaseSource::RunQuery(String& error, const String& query, RowSet& rows) {
+    database_->CloseQuery();  // a driver may hold the whole result before it
     if (database_->Query(error, query, rows)) return true;
     error += u"\r\n" + query;
     return false;

@@ -7,6 +7,7 @@
 #include "base/utf8.h"
 #include "files/format.h"
 #include "files/text.h"
+#include "platform/driver_library.h"
 #include "platform/odbc.h"
 
 namespace DataStorages {
@@ -25,6 +26,8 @@ SQLWCHAR* ToOdbc(const char16_t* text) {
     return reinterpret_cast<SQLWCHAR*>(const_cast<char16_t*>(text));
 }
 SQLWCHAR* ToOdbc(const String& text) { return ToOdbc(text.c_str()); }
+
+SQLCHAR* ToOdbc(std::string& bytes) { return reinterpret_cast<SQLCHAR*>(bytes.data()); }
 
 SQLSMALLINT LengthOf(const String& text) { return static_cast<SQLSMALLINT>(text.size()); }
 
@@ -132,7 +135,7 @@ bool ODBCDatabase::Open(String& error, const String& source, const String& login
     }
     connected_ = Connect(error, source, login, password);
     if (!connected_) FreeHandle(SQL_HANDLE_DBC, connection_);
-    narrow_statements_ = connected_ && TakesNarrowStatementsOnly();
+    narrow_driver_ = connected_ && !platform::DriverTakesWideText(DriverName());
     return connected_;
 }
 
@@ -160,6 +163,14 @@ bool ODBCDatabase::Connect(String& error, const String& source, const String& lo
     error = Format(u"ODBCDatabase::Open. Connection to '%s' for '%s' failed: '%s'", source, login,
                    last_error_);
     return false;
+}
+
+String ODBCDatabase::DriverName() const {
+    std::array<char16_t, kListedCharacters> name{};
+    SQLSMALLINT length = 0;
+    const auto bytes = static_cast<SQLSMALLINT>((name.size() - 1) * sizeof(char16_t));
+    SQLGetInfoW(connection_, SQL_DRIVER_NAME, name.data(), bytes, &length);
+    return TextOf(name);
 }
 
 bool ODBCDatabase::CloseQuery() {
@@ -200,26 +211,20 @@ bool ODBCDatabase::PrepareStatement(String& error, const String& statement) {
     return false;
 }
 
-// SQLite's driver has wide calls on Windows only.
-bool ODBCDatabase::TakesNarrowStatementsOnly() const {
-    std::array<char16_t, 32> name{};
-    SQLSMALLINT length = 0;
-    const auto bytes = static_cast<SQLSMALLINT>((name.size() - 1) * sizeof(char16_t));
-    return platform::kNarrowOdbcTextIsUtf8 &&
-           Succeeded(SQLGetInfoW(connection_, SQL_DBMS_NAME, name.data(), bytes, &length)) &&
-           TextOf(name).starts_with(u"SQLite");
+// unixODBC narrows the text of a call for a driver without wide calls. As soon as it holds a
+// character beyond the basic plane, the low byte of every character is all that is kept: values are
+// lost, and some of them turn into quotes, which lets them out of their literals. Such texts are
+// narrowed here, to UTF-8, in which no character has the byte of a quote.
+bool ODBCDatabase::MustNarrow(const String& text) const {
+    return narrow_driver_ && std::any_of(text.begin(), text.end(), IsSurrogate);
 }
 
-// unixODBC narrows statements for a driver without wide calls. As soon as one holds a character
-// beyond the basic plane it keeps the low byte of every character: values are lost, and some of
-// them turn into quotes, which lets them out of their literals. Such statements are narrowed here.
 bool ODBCDatabase::Execute(const String& statement) {
-    const bool beyond_basic_plane = std::any_of(statement.begin(), statement.end(), IsSurrogate);
-    if (!narrow_statements_ || !beyond_basic_plane) {
+    if (!MustNarrow(statement)) {
         return Executed(SQLExecDirectW(statement_, ToOdbc(statement), SQL_NTS));
     }
     std::string bytes = ToUtf8(statement);
-    return Executed(SQLExecDirect(statement_, reinterpret_cast<SQLCHAR*>(bytes.data()), SQL_NTS));
+    return Executed(SQLExecDirect(statement_, ToOdbc(bytes), SQL_NTS));
 }
 
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
@@ -394,6 +399,14 @@ String ODBCDatabase::SearchPattern(const String& name) const {
     return pattern;
 }
 
+// The next row of a list of the catalogue. failed: it could not be read, though there may be one.
+bool ODBCDatabase::FetchCatalogueRow(bool& failed) {
+    const SQLRETURN result = SQLFetch(statement_);
+    failed = !Executed(result);
+    if (failed) StoreDiagnostic();
+    return Succeeded(result);
+}
+
 bool ODBCDatabase::Tables(String& error, std::vector<TableEntry>& tables, TableKind kind) {
     if (!connected_) {
         error = u"ODBCDatabase::Tables. The database connection is not established yet.";
@@ -409,13 +422,29 @@ bool ODBCDatabase::Tables(String& error, std::vector<TableEntry>& tables, TableK
         CloseQuery();
         return false;
     }
-    while (Succeeded(SQLFetch(statement_))) {
+    bool failed = false;
+    while (FetchCatalogueRow(failed)) {
         TableEntry entry;
         entry.Detail = ReadCatalogText(2);
         entry.Name = ReadCatalogText(3);
         tables.push_back(std::move(entry));
     }
-    return CloseQuery();
+    if (failed) error = Format(u"ODBCDatabase::Tables. Tables list error: %s", last_error_);
+    return CloseQuery() && !failed;
+}
+
+// Asks for the columns of a table; an empty schema means any.
+bool ODBCDatabase::ListColumns(const String& schema, const String& table) {
+    if (!MustNarrow(schema + table)) {
+        return Succeeded(SQLColumnsW(statement_, nullptr, 0,
+                                     schema.empty() ? nullptr : ToOdbc(schema), SQL_NTS,
+                                     ToOdbc(table), SQL_NTS, nullptr, 0));
+    }
+    std::string narrow_schema = ToUtf8(schema);
+    std::string narrow_table = ToUtf8(table);
+    return Succeeded(SQLColumns(statement_, nullptr, 0,
+                                schema.empty() ? nullptr : ToOdbc(narrow_schema), SQL_NTS,
+                                ToOdbc(narrow_table), SQL_NTS, nullptr, 0));
 }
 
 bool ODBCDatabase::Columns(String& error, const String& schema, const String& table,
@@ -425,21 +454,18 @@ bool ODBCDatabase::Columns(String& error, const String& schema, const String& ta
         return false;
     }
     columns.clear();
-    const String schema_pattern = SearchPattern(schema);
-    const String table_pattern = SearchPattern(table);
     if (!AllocateStatement()) {
         error = u"Could not allocate statement handle";
         return false;
     }
-    if (!Succeeded(SQLColumnsW(statement_, nullptr, 0,
-                               schema.empty() ? nullptr : ToOdbc(schema_pattern), SQL_NTS,
-                               ToOdbc(table_pattern), SQL_NTS, nullptr, 0))) {
+    if (!ListColumns(SearchPattern(schema), SearchPattern(table))) {
         StoreDiagnostic();
         error = Format(u"Table's column list error: %s", last_error_);
         CloseQuery();
         return false;
     }
-    while (Succeeded(SQLFetch(statement_))) {
+    bool failed = false;
+    while (FetchCatalogueRow(failed)) {
         CatalogColumn entry;
         entry.Table = ReadCatalogText(3);
         entry.Column = ReadCatalogText(4);
@@ -450,7 +476,8 @@ bool ODBCDatabase::Columns(String& error, const String& schema, const String& ta
         entry.Default = ReadCatalogText(13);
         columns.push_back(std::move(entry));
     }
-    return CloseQuery();
+    if (failed) error = Format(u"Table's column list error: %s", last_error_);
+    return CloseQuery() && !failed;
 }
 
 // ---- The machine's drivers and data sources ----

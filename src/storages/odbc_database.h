@@ -86,8 +86,10 @@ private:
     bool Connect(String& error, const String& source, const String& login, const String& password);
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
-    bool TakesNarrowStatementsOnly() const;
+    String DriverName() const;
+    bool MustNarrow(const String& text) const;
     bool Execute(const String& statement);
+    bool ListColumns(const String& schema, const String& table);
     void StoreDiagnostic();
     bool MovedOn(std::int16_t result);
     void DescribeColumns(RowSet& rows);
@@ -95,6 +97,7 @@ private:
     String TextAttribute(std::uint16_t number, std::uint16_t field, bool* refused = nullptr) const;
     std::int64_t NumberAttribute(std::uint16_t number, std::uint16_t field) const;
     Value ReadValue(std::uint16_t number, std::int32_t buffer_bytes, StringView& text);
+    bool FetchCatalogueRow(bool& failed);
     String ReadCatalogText(std::uint16_t number);
     String SearchPattern(const String& name) const;
     bool HasEnvironment(String& error) const;
@@ -102,7 +105,7 @@ private:
                          std::vector<TableEntry>& sources) const;
 
     bool connected_ = false;
-    bool narrow_statements_ = false;  // beyond the basic plane; see Execute
+    bool narrow_driver_ = false;  // has no wide calls; see MustNarrow
     bool query_active_ = false;
     bool reading_failed_ = false;
     void* environment_ = nullptr;

@@ -1,6 +1,7 @@
 #include "platform/driver_library.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <filesystem>
 
@@ -36,6 +37,25 @@ bool IsVersion(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789.") == std::string_view::npos;
 }
 
+// What the search for a loaded library knows.
+struct LoadedDriver {
+    std::string name;  // how its file name ends
+    std::string path;  // empty until it is found
+};
+
+LoadedDriver FindLoaded(const std::string& name) {
+    LoadedDriver driver{name, {}};
+    if (name.empty()) return driver;
+    const auto look_at = [](dl_phdr_info* info, std::size_t, void* data) {
+        auto& wanted = *static_cast<LoadedDriver*>(data);
+        const bool found = std::string_view(info->dlpi_name).ends_with(wanted.name);
+        if (found) wanted.path = info->dlpi_name;
+        return found ? 1 : 0;
+    };
+    dl_iterate_phdr(look_at, &driver);
+    return driver;
+}
+
 }  // namespace
 
 // The driver manager lists all entries of a driver as its attributes.
@@ -67,6 +87,16 @@ String DriverLibraryVersion(const String& library) {
     const bool versioned =
         behind.empty() && dash != std::string::npos && IsVersion(stem.substr(dash + 1));
     return versioned ? FromNativeBytes(stem.substr(dash + 1)) : String{};
+}
+
+bool DriverTakesWideText(const String& name) {
+    const LoadedDriver driver = FindLoaded(ToNativeBytes(name));
+    if (driver.path.empty()) return true;
+    void* const library = dlopen(driver.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (library == nullptr) return true;
+    const bool wide = dlsym(library, "SQLExecDirectW") != nullptr;
+    dlclose(library);
+    return wide;
 }
 
 }  // namespace platform

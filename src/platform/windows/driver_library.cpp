@@ -56,4 +56,6 @@ String DriverLibraryVersion(const String& library) {
     return String(FromWide(text.data(), static_cast<std::size_t>(size)));
 }
 
+bool DriverTakesWideText(const String& /*name*/) { return true; }
+
 }  // namespace platform
