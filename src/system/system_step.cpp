@@ -1,8 +1,32 @@
 #include "system/system_step.h"
 
 #include "files/format.h"
+#include "files/text.h"
+#include "system/file_commands.h"
+
+namespace {
+
+using Command = bool (*)(String& error, const SectionSettings& settings);
+
+struct CommandWord {
+    StringView word;
+    Command run;
+};
+
+constexpr CommandWord kCommands[] = {
+    {u"CopyFile", CopyFileCommand},     {u"MoveFile", MoveFileCommand},
+    {u"CopyFolder", CopyFolderCommand}, {u"MoveFolder", MoveFolderCommand},
+    {u"DeleteFile", DeleteFileCommand}, {u"DeleteFolder", DeleteFolderCommand},
+    {u"WriteFile", WriteFileCommand},
+};
+
+}  // namespace
 
 bool RunSystemStep(String& error, const SectionSettings& settings) {
-    error = Format(u"System step contains unsupported command '%s'", settings.Text(u"Command"));
+    const String word = settings.ResolvedText(u"Command");
+    for (const CommandWord& command : kCommands) {
+        if (text::EqualsIgnoringCase(word, command.word)) return command.run(error, settings);
+    }
+    error = Format(u"System step contains unsupported command '%s'", word);
     return false;
 }

@@ -7,6 +7,7 @@ A job folder holds:
   setup.sql         makes data.db before the run
   stdin             standard input
   expected/         files that must be there afterwards, with exactly these bytes
+  expected_missing  names that must not be there afterwards, one a line
   expected_stdout   what standard output must be
   expected_stderr   what standard error must be
   expected_status   the exit status; 0 without the file
@@ -68,6 +69,9 @@ def run(command, job, scratch, windows):
             made = work / name
             actual = made.read_bytes() if made.exists() else b"(no such file)"
             faults += difference(f"file {name}", path.read_bytes(), actual)
+    for name in read(job, "expected_missing", windows, b"").decode().splitlines():
+        if os.path.lexists(work / name):
+            faults.append(f"{name} is still there")
     return faults
 
 
