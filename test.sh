@@ -49,9 +49,10 @@ build() {
     return 1
 }
 
-start_postgres() {
+start_servers() {
     QUILLON_TEST_POSTGRES=$(tests/servers/postgres.sh start "$postgres_folder") &&
-        export QUILLON_TEST_POSTGRES
+        QUILLON_TEST_MARIADB=$(tests/servers/mariadb.sh start "$mariadb_folder") &&
+        export QUILLON_TEST_POSTGRES QUILLON_TEST_MARIADB
 }
 
 start_wine() {
@@ -63,17 +64,19 @@ start_wine() {
 
 stop_servers() {
     tests/servers/postgres.sh stop "$postgres_folder" >/dev/null 2>&1
-    rm -rf "$postgres_folder"
+    tests/servers/mariadb.sh stop "$mariadb_folder" >/dev/null 2>&1
+    rm -rf "$postgres_folder" "$mariadb_folder"
     if $windows; then wineserver -k >/dev/null 2>&1; fi
 }
 
 packages=("${program_packages[@]}" libgtest-dev googletest libbenchmark-dev python3 strace
-    jq libxml2-utils odbc-postgresql postgresql clang-format clang-tidy)
+    jq libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format clang-tidy)
 $windows && packages+=(g++-mingw-w64-x86-64-posix wine wine64)
 install_packages "${packages[@]}" || { echo "0 passed, 1 failed"; exit 1; }
 
 mkdir -p build
 postgres_folder=$(mktemp -d)
+mariadb_folder=$(mktemp -d)
 trap stop_servers EXIT
 
 check "format" scripts/check_format.sh
@@ -81,7 +84,7 @@ check "build linux" build linux -DQUILLON_BENCHMARKS=ON
 check "build linux-asan" build linux-asan
 $windows && check "build windows" build windows
 check "lint" scripts/lint.sh build/linux
-check "start PostgreSQL" start_postgres
+check "start PostgreSQL and MariaDB" start_servers
 run_tests linux
 run_tests linux-asan
 if $windows; then

@@ -292,8 +292,13 @@ String ODBCDatabase::TextAttribute(std::uint16_t number, std::uint16_t field, bo
     SQLSMALLINT length = 0;
     // An odd length is refused by some driver managers: the byte beyond whole characters goes.
     const auto bytes = static_cast<SQLSMALLINT>((buffer.size() - 1) * sizeof(char16_t));
-    const bool told = Succeeded(
-        SQLColAttributesW(statement_, number, field, buffer.data(), bytes, &length, nullptr));
+    // MariaDB's driver knows the call of ODBC 3 only. Its literal marks are not taken: it tells
+    // "0x" for some types whose values it delivers as characters.
+    const bool told =
+        Succeeded(
+            SQLColAttributesW(statement_, number, field, buffer.data(), bytes, &length, nullptr)) ||
+        (refused == nullptr && Succeeded(SQLColAttributeW(statement_, number, field, buffer.data(),
+                                                          bytes, &length, nullptr)));
     if (refused != nullptr) *refused = !told;
     return told ? TextOf(buffer) : String{};
 }
@@ -301,7 +306,8 @@ String ODBCDatabase::TextAttribute(std::uint16_t number, std::uint16_t field, bo
 std::int64_t ODBCDatabase::NumberAttribute(std::uint16_t number, std::uint16_t field) const {
     SQLLEN value = 0;
     const bool told =
-        Succeeded(SQLColAttributesW(statement_, number, field, nullptr, 0, nullptr, &value));
+        Succeeded(SQLColAttributesW(statement_, number, field, nullptr, 0, nullptr, &value)) ||
+        Succeeded(SQLColAttributeW(statement_, number, field, nullptr, 0, nullptr, &value));
     return told ? value : 0;
 }
 
@@ -407,12 +413,22 @@ bool ODBCDatabase::FetchCatalogueRow(bool& failed) {
     return Succeeded(result);
 }
 
+// The database that is connected, where databases are the catalogues of a server.
+String ODBCDatabase::CurrentCatalog() const {
+    std::array<char16_t, kListedCharacters> name{};
+    SQLINTEGER length = 0;
+    const auto bytes = static_cast<SQLINTEGER>((name.size() - 1) * sizeof(char16_t));
+    SQLGetConnectAttrW(connection_, SQL_ATTR_CURRENT_CATALOG, name.data(), bytes, &length);
+    return TextOf(name);
+}
+
 bool ODBCDatabase::Tables(String& error, std::vector<TableEntry>& tables, TableKind kind) {
     if (!connected_) {
         error = u"ODBCDatabase::Tables. The database connection is not established yet.";
         return false;
     }
     tables.clear();
+    const String current = CurrentCatalog();
     if (!AllocateStatement()) return false;
     const String type = kind == TableKind::Views ? u"VIEW" : u"TABLE";
     if (!Succeeded(
@@ -425,6 +441,9 @@ bool ODBCDatabase::Tables(String& error, std::vector<TableEntry>& tables, TableK
     bool failed = false;
     while (FetchCatalogueRow(failed)) {
         TableEntry entry;
+        const String catalog = ReadCatalogText(1);
+        // Some drivers list the tables of all databases; only the connected one is asked for.
+        if (!catalog.empty() && !current.empty() && catalog != current) continue;
         entry.Detail = ReadCatalogText(2);
         entry.Name = ReadCatalogText(3);
         tables.push_back(std::move(entry));

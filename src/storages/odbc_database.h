@@ -97,6 +97,7 @@ private:
     String TextAttribute(std::uint16_t number, std::uint16_t field, bool* refused = nullptr) const;
     std::int64_t NumberAttribute(std::uint16_t number, std::uint16_t field) const;
     Value ReadValue(std::uint16_t number, std::int32_t buffer_bytes, StringView& text);
+    String CurrentCatalog() const;
     bool FetchCatalogueRow(bool& failed);
     String ReadCatalogText(std::uint16_t number);
     String SearchPattern(const String& name) const;

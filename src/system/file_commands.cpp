@@ -62,7 +62,7 @@ String WithoutEndSeparators(String name) {
 // True for folders that nobody wants to lose: roots, "..", the one that the program runs in.
 bool IsProtected(const String& folder) {
     const std::size_t separator = folder.find_last_of(u"/\\");
-    const StringView last = StringView(folder).substr(separator + 1);  // npos + 1 is 0
+    const String last = folder.substr(separator + 1);  // npos + 1 is 0
     return last == u"." || last == u".." || platform::IsRoot(folder) ||
            platform::IsWithin(platform::CurrentFolder(), folder);
 }
