@@ -1,6 +1,7 @@
 // Ends in a fault, while the activity trail says "Testing" above an activity that has ended.
 // usage: quillon_crash FAULT [after]
 // "after": the fault comes once the crash report is not there any more.
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
@@ -20,7 +21,7 @@ void ReadNull() {
 }
 
 void CallAddress(std::uintptr_t address) {
-    void (*volatile function)() = reinterpret_cast<void (*)()>(address);
+    void (*volatile function)() = std::bit_cast<void (*)()>(address);
     function();
 }
 
@@ -38,7 +39,7 @@ int OverflowStack() {
 }
 
 [[noreturn]] void Throw() { throw std::runtime_error("thrown by the test"); }
-void ThrowThroughNoexcept() noexcept { Throw(); }
+void ThrowThroughNoexcept() noexcept { Throw(); }  // NOLINT(bugprone-exception-escape): the fault
 
 const std::map<std::string, std::function<void()>> kFaults = {
     {"null", ReadNull},

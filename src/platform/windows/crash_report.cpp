@@ -29,7 +29,7 @@ void (*g_former_abort)(int) = SIG_DFL;
 std::atomic_flag g_reported;
 
 void Write(std::string_view line) {
-    static std::array<wchar_t, 4096> text;  // more than a line of a console window needs
+    static std::array<wchar_t, 34000> text;  // the longest path and the words around it
     if (!StandardOutputIsTerminal()) {
         WriteStandardOutput(std::as_bytes(std::span(line)));
         return;
