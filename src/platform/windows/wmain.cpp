@@ -1,9 +1,11 @@
 #include <string>
 
+#include "platform/crash_report.h"
 #include "platform/program_entry.h"
 #include "platform/windows/wide.h"
 
 int wmain(int count, wchar_t** values) {
+    const platform::CrashReport crash_report;
     std::vector<String> arguments;
     for (int i = 1; i < count; ++i) {
         arguments.emplace_back(
