@@ -1,8 +1,12 @@
 #include "system/system_step.h"
 
 #include "files/format.h"
+#include "files/text.h"
+#include "system/http_call.h"
 
 bool RunSystemStep(String& error, const SectionSettings& settings) {
-    error = Format(u"System step contains unsupported command '%s'", settings.Text(u"Command"));
+    const String command = settings.Text(u"Command");
+    if (text::EqualsIgnoringCase(command, u"HttpCall")) return HttpCall(error, settings);
+    error = Format(u"System step contains unsupported command '%s'", command);
     return false;
 }
