@@ -99,6 +99,10 @@ class Handler(socketserver.StreamRequestHandler):
         piece = b"x" * 1_000_000
         for _ in range(LARGE_BYTES // len(piece)):
             self.send(piece)
+        self.connection.shutdown(socket.SHUT_WR)
+        # A client that hangs up with bytes unread resets the connection.
+        if self.rfile.read() == b"":
+            self.server.owner.large_was_read.set()
 
     def do_redirect(self, left):
         if left == 0:
@@ -142,6 +146,7 @@ class WebServer:
 
     def __init__(self, address=("127.0.0.1", 0), log=None):
         self.requests = []
+        self.large_was_read = threading.Event()
         self.ended = threading.Event()
         self.log = log
         socketserver.ThreadingTCPServer.allow_reuse_address = True
