@@ -15,4 +15,4 @@ install_packages() {
 }
 
 # What the program is built with, and the SQLite driver that the demo and the examples use.
-program_packages=(g++ cmake ninja-build unixodbc-dev libsqliteodbc sqlite3)
+program_packages=(g++ cmake ninja-build unixodbc-dev libcurl4-openssl-dev libsqliteodbc sqlite3)

@@ -3,6 +3,7 @@
 #include "files/format.h"
 #include "files/text.h"
 #include "system/file_commands.h"
+#include "system/http_call.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ constexpr CommandWord kCommands[] = {
     {u"CopyFile", CopyFileCommand},     {u"MoveFile", MoveFileCommand},
     {u"CopyFolder", CopyFolderCommand}, {u"MoveFolder", MoveFolderCommand},
     {u"DeleteFile", DeleteFileCommand}, {u"DeleteFolder", DeleteFolderCommand},
-    {u"WriteFile", WriteFileCommand},
+    {u"WriteFile", WriteFileCommand},   {u"HttpCall", HttpCall},
 };
 
 }  // namespace
