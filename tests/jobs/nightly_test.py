@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Runs the example of a night's work twice against a web server of the tests' own.
+
+    nightly_test.py COMMAND...
+
+COMMAND is the program, with its launcher if it needs one."""
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TESTS = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(TESTS / "servers"))
+from web_server import WebServer  # noqa: E402
+
+EXAMPLE = TESTS.parent / "examples" / "nightly-files"
+COMMAND = []
+
+
+class Nightly(unittest.TestCase):
+    def run_night(self, folder, port, day, old):
+        # Through a file: a launcher's background process may hold on to a pipe for long.
+        with (folder / "output").open("wb") as output:
+            status = subprocess.run(
+                [*COMMAND, "-config=nightly.qpr", "-silent", f"$DATE$={day}", f"$OLD$={old}",
+                 "$HOST$=127.0.0.1", f"$PORT$={port}"], cwd=folder, stdout=output, timeout=120,
+                stdin=subprocess.DEVNULL, env=os.environ | {"LC_ALL": "C.UTF-8"}).returncode
+        return status, (folder / "output").read_text().splitlines()
+
+    def test_two_nights(self):
+        with tempfile.TemporaryDirectory() as scratch, WebServer() as server:
+            folder = pathlib.Path(scratch) / "sales"
+            shutil.copytree(EXAMPLE, folder)
+            subprocess.run(["sqlite3", "data.db"], cwd=folder, check=True,
+                           input=(EXAMPLE / "setup.sql").read_bytes())
+            gone = "DeleteFolder: folder to be deleted does not exist"
+            first = self.run_night(folder, server.port, "2024-03-30", "2024-03-29")
+            self.assertEqual(first, (0, [gone]))
+            second = self.run_night(folder, server.port, "2024-03-31", "2024-03-30")
+            self.assertEqual(second, (0, []))
+            self.assertEqual([line for line, _, _ in server.requests],
+                             [b"POST /hooks/sales?day=2024-03-%d HTTP/1.1" % day for day in (30, 31)])
+            exported = "\ufeffid,article,amount\r\n1,Tea,12.5\r\n2,Crème brûlée,4.25\r\n3,Coffee,8\r\n"
+            archive = folder / "archive"
+            self.assertEqual({path.name for path in archive.iterdir()}, {"2024-03-31", "log.txt"})
+            self.assertEqual({path.name for path in (archive / "2024-03-31").iterdir()},
+                             {"sales.csv", "README.txt"})
+            for copy in (folder / "out", archive / "2024-03-31"):
+                self.assertEqual((copy / "sales.csv").read_bytes().decode(), exported)
+            self.assertEqual((archive / "log.txt").read_bytes(),
+                             b"2024-03-30 exported\r\n2024-03-31 exported\r\n")
+
+
+if __name__ == "__main__":
+    COMMAND = sys.argv[1:]
+    unittest.main(argv=sys.argv[:1])
