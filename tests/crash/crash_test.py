@@ -36,12 +36,12 @@ else:
     LIBC, LIBSTDCXX = r".*/libc\.so\.6", r".*/libstdc\+\+\.so\.6"
     ABOVE = r"(.*/ld-linux-x86-64\.so\.2|linux-vdso\.so\.1)"
     FAULTS = {
-        "null": (signal.SIGSEGV, "0" * 16, "unknown", signal.SIGSEGV),
+        "null": (signal.SIGSEGV, ADDRESS, PROGRAM, signal.SIGSEGV),
         "call-above": (signal.SIGSEGV, "00007FFFFFFE0000", ABOVE, signal.SIGSEGV),
         "call-below": (signal.SIGSEGV, "0000000000000010", "unknown", signal.SIGSEGV),
         "instruction": (signal.SIGILL, ADDRESS, PROGRAM, signal.SIGILL),
         "division": (signal.SIGFPE, ADDRESS, PROGRAM, signal.SIGFPE),
-        "stack": (signal.SIGSEGV, "00007F" + "[0-9A-F]{10}", ABOVE, signal.SIGSEGV),
+        "stack": (signal.SIGSEGV, ADDRESS, PROGRAM, signal.SIGSEGV),
         "abort": (signal.SIGABRT, ADDRESS, LIBC, signal.SIGABRT),
         "exception": (UNCAUGHT, ADDRESS, LIBSTDCXX, signal.SIGABRT),
         "noexcept": (UNCAUGHT, ADDRESS, LIBSTDCXX, signal.SIGABRT),

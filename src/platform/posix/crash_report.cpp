@@ -34,21 +34,17 @@ void Report(std::uint32_t code, std::uintptr_t address) {
     WriteStandardOutput(std::as_bytes(std::span(CrashLine(code, address))));
 }
 
-// The address that the processor could not reach or the instruction that it could not carry out.
-// Of a signal that was sent (by abort, by another process) or whose address the system does not
-// tell: the instruction at which it arrived.
-std::uintptr_t FaultAddress(const siginfo_t& info, const ucontext_t& context) {
-    if (info.si_code > 0 && info.si_code != SI_KERNEL) {
-        return reinterpret_cast<std::uintptr_t>(info.si_addr);
-    }
+// The instruction that faulted, as Windows tells it; after a call to a bad address that is where it
+// led. The address that could not be reached would name a module that has nothing to do with it.
+std::uintptr_t FaultAddress(const ucontext_t& context) {
     return static_cast<std::uintptr_t>(context.uc_mcontext.gregs[REG_RIP]);
 }
 
 // Runs with the default action back in place. The signal that it raises is held back until it
 // returns, so a core dump shows the fault and not this function.
-void OnFault(int signal, siginfo_t* info, void* context) {
+void OnFault(int signal, siginfo_t*, void* context) {
     Report(static_cast<std::uint32_t>(signal),
-           FaultAddress(*info, *static_cast<const ucontext_t*>(context)));
+           FaultAddress(*static_cast<const ucontext_t*>(context)));
     ::raise(signal);
 }
 
