@@ -44,7 +44,7 @@ public:
 
     // Sends the prepared request, follows redirects and hands the body of the response to `take`,
     // in pieces of up to kPieceBytes bytes. False when no response came. A response of any status
-    // is success, and so is one whose body breaks off: `take` then got what had arrived.
+    // is success, and so is one whose body breaks off: `take` got the pieces before that.
     virtual bool Send(std::uint32_t& code, const TakePiece& take) = 0;
 };
 

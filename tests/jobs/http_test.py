@@ -35,6 +35,8 @@ class HttpCall(unittest.TestCase):
         (self.path / "job.qpr").write_text("\n".join(lines) + "\n", "utf-8-sig")
         inherited = {name: value for name, value in os.environ.items()
                      if not name.lower().endswith("_proxy")}
+        # So that a sanitized program gives memory back at once.
+        inherited["ASAN_OPTIONS"] = "quarantine_size_mb=1"
         # Through a file: a launcher's background process may hold on to a pipe for long.
         with (self.path / "output").open("wb") as output:
             process = subprocess.Popen(
@@ -82,13 +84,14 @@ class HttpCall(unittest.TestCase):
             "hook": b"/hook",
             "?day=1": b"/?day=1",
             "/a/b?c=d&e=%2F%c3%BC&f=g+h": b"/a/b?c=d&e=%2F%c3%BC&f=g+h",
-            "/a//b/./c/../d?": b"/a//b/./c/../d?",
             "//host/path": b"//host/path",
             "http://host/path": b"/http://host/path",
-            '/a b?text="x" \\ {y} <z>|^`': b'/a%20b?text="x"%20\\%20{y}%20<z>|^`',
+            '/a b?text="x" {y} <z>|^`': b'/a%20b?text="x"%20{y}%20<z>|^`',
             "/Zürich?to=€\U0001F600#5": b"/Z%C3%BCrich?to=%E2%82%AC%F0%9F%98%80%235",
             "/" + "x" * 60_000: b"/" + b"x" * 60_000,
         }
+        if not OPTIONS.windows:  # where the system tidies a path up
+            cases["/a//b/./c/../d\\e?"] = b"/a//b/./c/../d\\e?"
         for parameters, target in cases.items():
             with self.subTest((parameters or "")[:40]):
                 line = self.assert_succeeds(Parameters=parameters)[0]
@@ -150,9 +153,10 @@ class HttpCall(unittest.TestCase):
         self.assert_not_sent(1, (), Parameters="/elsewhere")
 
     def test_no_response(self):
-        for path, linux in (("garbage", 1), ("close", 52), ("reset", 56)):
-            with self.subTest(path):
-                self.assert_not_sent(linux, (12030, 12031, 12152), Parameters=path)
+        self.assert_not_sent(56, (12030, 12031, 12152), Parameters="/reset")
+        if not OPTIONS.windows:  # Wine takes these for responses without a body
+            self.assert_not_sent(52, (), Parameters="/close")
+            self.assert_not_sent(1, (), Parameters="/garbage")
 
     def test_no_server(self):
         with socket.create_server(("127.0.0.1", 0)) as closed_at_once:

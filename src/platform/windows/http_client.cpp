@@ -18,13 +18,10 @@ struct CloseInternetHandle {
 };
 using InternetHandle = std::unique_ptr<void, CloseInternetHandle>;
 
-void SetOption(HINTERNET handle, DWORD option, DWORD value) {
-    ::InternetSetOptionW(handle, option, &value, sizeof(value));
-}
-
 class WinInetClient final : public HttpClient {
 public:
-    explicit WinInetClient(InternetHandle session) : session_(std::move(session)) {}
+    WinInetClient(InternetHandle session, const HttpLimits& limits)
+        : limits_(limits), session_(std::move(session)) {}
 
     bool Connect(std::uint32_t& code, const String& server, std::uint16_t port) override {
         request_.reset();
@@ -37,7 +34,14 @@ public:
         request_.reset(::HttpOpenRequestW(connection_.get(), AsWide(method), AsWide(target),
                                           nullptr, nullptr, nullptr, INTERNET_FLAG_KEEP_CONNECTION,
                                           kContext));
-        return Check(code, request_ != nullptr);
+        if (!Check(code, request_ != nullptr)) return false;
+        // More attempts to connect would each take the whole time again.
+        SetOption(INTERNET_OPTION_CONNECT_RETRIES, 1);
+        SetOption(INTERNET_OPTION_CONNECT_TIMEOUT, limits_.connect_ms);
+        SetOption(INTERNET_OPTION_SEND_TIMEOUT, limits_.silence_ms);
+        SetOption(INTERNET_OPTION_RECEIVE_TIMEOUT, limits_.silence_ms);
+        SetOption(INTERNET_OPTION_DATA_RECEIVE_TIMEOUT, limits_.silence_ms);
+        return true;
     }
 
     bool Send(std::uint32_t& code, const TakePiece& take) override {
@@ -58,6 +62,12 @@ private:
         return succeeded;
     }
 
+    // On the request itself: not every WinInet hands the session's options down.
+    void SetOption(DWORD option, DWORD value) {
+        ::InternetSetOptionW(request_.get(), option, &value, sizeof(value));
+    }
+
+    const HttpLimits limits_;
     // Closed in the reverse order: a request before its connection, that before the session.
     InternetHandle session_;
     InternetHandle connection_;
@@ -74,13 +84,7 @@ std::unique_ptr<HttpClient> HttpClient::Open(std::uint32_t& code, const String& 
         code = ::GetLastError();
         return nullptr;
     }
-    // More attempts to connect would each take the whole time again.
-    SetOption(session.get(), INTERNET_OPTION_CONNECT_RETRIES, 1);
-    SetOption(session.get(), INTERNET_OPTION_CONNECT_TIMEOUT, limits.connect_ms);
-    SetOption(session.get(), INTERNET_OPTION_SEND_TIMEOUT, limits.silence_ms);
-    SetOption(session.get(), INTERNET_OPTION_RECEIVE_TIMEOUT, limits.silence_ms);
-    SetOption(session.get(), INTERNET_OPTION_DATA_RECEIVE_TIMEOUT, limits.silence_ms);
-    return std::make_unique<WinInetClient>(std::move(session));
+    return std::make_unique<WinInetClient>(std::move(session), limits);
 }
 
 }  // namespace platform
