@@ -1,6 +1,11 @@
 #!/usr/bin/env python3
 """File commands of System steps in hostile trees: links, depth, numbers, other file systems, rights.
-Runs on Linux; usage: file_commands_test.py PROGRAM [unittest arguments]."""
+
+    file_commands_test.py [--windows] [-k PATTERN] COMMAND...
+
+COMMAND is the program, with its launcher if it needs one. Under --windows what only Linux knows is
+skipped."""
+import argparse
 import os
 import pathlib
 import shutil
@@ -9,8 +14,10 @@ import sys
 import tempfile
 import unittest
 
-PROGRAM = None
+COMMAND = []
+WINDOWS = "--windows" in sys.argv
 NOBODY = 65534
+LINUX_ONLY = unittest.skipIf(WINDOWS, "links and rights of Linux")
 
 
 class FileCommands(unittest.TestCase):
@@ -32,11 +39,14 @@ class FileCommands(unittest.TestCase):
         job = "\n".join(["Step 1", "System", f"Command={command}", *lines, ""])
         (self.path / "job.qpr").write_text(job)
         user = {"user": NOBODY, "group": NOBODY} if getattr(self, "unprivileged", False) else {}
-        done = subprocess.run([PROGRAM, "-config=job.qpr", "-silent", *arguments], cwd=self.path,
-                              capture_output=True, timeout=120, text=True,
-                              env=os.environ | {"LC_ALL": "C.UTF-8"}, **user)
-        self.assertEqual((done.returncode, done.stdout.rstrip("\n"), done.stderr),
-                         (2 if message else 0, message, ""))
+        # Through a file: a launcher's background process may hold on to a pipe for long.
+        with tempfile.TemporaryFile() as output:
+            status = subprocess.run([*COMMAND, "-config=job.qpr", "-silent", *arguments],
+                                    cwd=self.path, stdout=output, timeout=120,
+                                    env=os.environ | {"LC_ALL": "C.UTF-8"}, **user).returncode
+            output.seek(0)
+            said = output.read().decode().rstrip("\r\n")
+        self.assertEqual((status, said), (2 if message else 0, message))
 
     def tree(self, name):
         """Each entry below a folder with what it is: a text, a link's target, or None."""
@@ -44,6 +54,7 @@ class FileCommands(unittest.TestCase):
         return {str(path.relative_to(root)): "-> " + os.readlink(path) if path.is_symlink()
                 else None if path.is_dir() else path.read_text() for path in root.rglob("*")}
 
+    @LINUX_ONLY
     def test_links_are_copied_as_links_and_never_followed(self):
         outside = self.write("outside/kept", "kept")
         self.write("from/file", "new")
@@ -64,6 +75,7 @@ class FileCommands(unittest.TestCase):
         self.assertFalse((self.path / "to").exists())
         self.assertEqual((outside.read_text(), os.listdir(outside.parent)), ("kept", ["kept"]))
 
+    @LINUX_ONLY
     def test_delete_folder_does_not_take_a_link_for_a_folder(self):
         self.write("outside/kept")
         (self.path / "link").symlink_to("outside")
@@ -79,9 +91,10 @@ class FileCommands(unittest.TestCase):
         self.assertFalse((self.path / "outside").exists())
 
     def test_deep_and_wide_folders(self):
-        deep = "/".join(["from"] + [f"level {number}" for number in range(50)])
+        # The shell of Windows takes no longer paths, and Wine's takes its time.
+        deep = "/".join(["from"] + [f"{number}" for number in range(50)])
         self.write(f"{deep}/.hidden", "deep")
-        for number in range(10_000):
+        for number in range(100, 600 if WINDOWS else 10_100):
             (self.path / "from" / f"{number}").touch()
         (self.path / "from/empty").mkdir()
         self.run_command("CopyFolder", From="from", To="a/b/c")
@@ -94,6 +107,7 @@ class FileCommands(unittest.TestCase):
         self.run_command("CopyFolder", From="nothing", To="copy of nothing")
         self.assertEqual(self.tree("copy of nothing"), {})
 
+    @LINUX_ONLY
     def test_folder_into_itself_by_another_name(self):
         self.write("from/file")
         (self.path / "link").symlink_to("from")
@@ -107,6 +121,7 @@ class FileCommands(unittest.TestCase):
                          To="from 2")
         self.assertEqual(self.tree("from"), {"file": "text"})
 
+    @LINUX_ONLY
     def test_files_onto_themselves_and_onto_folders(self):
         self.write("file", "kept")
         (self.path / "folder").mkdir()
@@ -122,6 +137,7 @@ class FileCommands(unittest.TestCase):
         self.run_command("CopyFile", From="file", To="copy")
         self.assertEqual((self.path / "copy").stat().st_mtime, 1_000_000_000)
 
+    @LINUX_ONLY
     def test_other_file_system(self):
         if not os.path.isdir("/dev/shm") or os.stat("/dev/shm").st_dev == self.path.stat().st_dev:
             self.skipTest("there is no other file system at /dev/shm")
@@ -146,9 +162,12 @@ class FileCommands(unittest.TestCase):
             # Folders of 64 characters with a separator each, up to the length.
             name = ("x" * 64 + "/") * 3 + "y" * (length - 195)
             (self.path / name).mkdir(parents=True)
+            if WINDOWS and not message:
+                continue  # with the current folder in front it is too long for the system
             self.run_command("DeleteFolder", message, Folder=name)
             self.assertEqual((self.path / name).exists(), bool(message))
 
+    @LINUX_ONLY
     def test_no_right_half_way(self):
         os.chmod(self.path, 0o777)
         for name in ("a", "b", "c"):
@@ -167,6 +186,15 @@ class FileCommands(unittest.TestCase):
         os.chmod(self.path / "locked", 0o755)
 
 
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("command", nargs="+")
+    parser.add_argument("--windows", action="store_true")
+    parser.add_argument("-k", dest="pattern")
+    options = parser.parse_args()
+    COMMAND[:] = options.command
+    unittest.main(argv=[sys.argv[0]] + (["-k", options.pattern] if options.pattern else []))
+
+
 if __name__ == "__main__":
-    PROGRAM = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    main()
