@@ -42,10 +42,7 @@ bool DatabaseData::Write(String& error, RowSet& rows) {
     }
     if (prefix_.empty()) prefix_ = sql::InsertPrefix(table_, table_rows_.Columns, false);
     statement_ = prefix_;
-    if (!sql::AppendValueList(statement_, rows.Columns, rows.Row)) {
-        error = u"Cound not build SQL statement";  // published spelling
-        return false;
-    }
+    if (!sql::AppendValueList(error, statement_, rows.Columns, rows.Row)) return false;
     statement_ += delimiter_;
     if (!database_.ExecNonQuery(error, statement_)) return false;
     ++written_size_;

@@ -28,12 +28,9 @@ bool DatabaseSchema::Prepare(String& /*error*/, RowSet& /*rows*/) { return false
 
 bool DatabaseSchema::Write(String& error, RowSet& rows) {
     const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
-    if (sql::AppendColumnLine(statement_, name, rows.Row)) {
-        ++written_size_;
-        return true;
-    }
-    error = u"Cound not build SQL statement";  // published spelling
-    return false;
+    if (!sql::AppendColumnLine(error, statement_, name, rows.Row)) return false;
+    ++written_size_;
+    return true;
 }
 
 bool DatabaseSchema::NextResultSet(String& /*error*/, const SectionSettings& /*settings*/) {

@@ -16,7 +16,6 @@ bool FileTarget::ReadSettings(String& /*error*/, const SectionSettings& /*settin
     return true;
 }
 bool FileTarget::BeginFile(String& /*error*/) { return true; }
-bool FileTarget::EndFile(String& /*error*/) { return true; }
 bool FileTarget::ContinueFile(String& /*error*/) { return false; }
 bool FileTarget::LeaveFile(String& error) { return Close(error); }
 

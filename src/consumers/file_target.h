@@ -26,7 +26,7 @@ protected:
     // A new file has been opened.
     virtual bool BeginFile(String& error);
     // Writes what ends a file.
-    virtual bool EndFile(String& error);
+    virtual bool EndFile(String& error) = 0;
     // A further result set goes into the same file. Its result is that of NextResultSet: true when
     // Prepare is wanted.
     virtual bool ContinueFile(String& error);

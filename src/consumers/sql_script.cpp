@@ -4,6 +4,7 @@
 #include "files/text.h"
 
 namespace DataConsumers {
+
 bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
     settings_ = settings;
     table_setting_ = settings.Text(u"Table");
@@ -40,30 +41,22 @@ bool SQLScript::Prepare(String& /*error*/, RowSet& rows) {
 }
 
 bool SQLScript::Write(String& error, RowSet& rows) {
-    const bool describes = statement_ == Statement::CreateTable;
-    if (describes && rows.Nested) return WriteTable(error, rows);
-    if (!(describes ? AppendColumn(rows) : AppendRow(rows))) {
-        error = u"Cound not build SQL statement";  // published spelling
-        return false;
-    }
-    if (describes) return true;
-    if (++rows_in_batch_ == batch_size_) return EndStatement(error);
-    if (batch_size_ < 1) rows_in_batch_ = 0;  // never written, so not kept either
-    return true;
+    if (statement_ == Statement::Insert) return WriteRow(error, rows);
+    if (rows.Nested) return WriteTable(error, rows);
+    const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
+    return sql::AppendColumnLine(error, line_, name, rows.Row);
 }
 
-bool SQLScript::AppendRow(const RowSet& rows) {
+bool SQLScript::WriteRow(String& error, const RowSet& rows) {
     if (rows_in_batch_ > 0) {
         line_ += u",\r\n  ";
     } else {
         line_ = prefix_;
     }
-    return sql::AppendValueList(line_, rows.Columns, rows.Row);
-}
-
-bool SQLScript::AppendColumn(const RowSet& rows) {
-    const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
-    return sql::AppendColumnLine(line_, name, rows.Row);
+    if (!sql::AppendValueList(error, line_, rows.Columns, rows.Row)) return false;
+    if (++rows_in_batch_ == batch_size_) return EndStatement(error);
+    if (batch_size_ < 1) rows_in_batch_ = 0;  // never written, so not kept either
+    return true;
 }
 
 // The row names a table and its schema, and brings the table's columns along.
@@ -72,7 +65,7 @@ bool SQLScript::WriteTable(String& error, const RowSet& rows) {
     const StringView schema = rows.Row.size() < 2 ? StringView() : rows.Row[1].Text;
     line_.clear();
     for (const RowSet& column : *rows.Nested) {
-        sql::AppendColumnLine(line_, {schema, table}, column.Row);
+        if (!sql::AppendColumnLine(error, line_, {schema, table}, column.Row)) return false;
     }
     whole_tables_ = true;
     if (line_.empty()) return true;  // a table without columns

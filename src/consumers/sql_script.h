@@ -35,8 +35,7 @@ private:
     bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;
 
-    bool AppendRow(const RowSet& rows);
-    bool AppendColumn(const RowSet& rows);
+    bool WriteRow(String& error, const RowSet& rows);
     bool WriteTable(String& error, const RowSet& rows);
     bool EndStatement(String& error);
 

@@ -13,6 +13,11 @@ namespace {
 // Positions of the values that describe a column.
 enum Described : std::size_t { kColumn = 1, kTypeName, kSize, kDigits, kNullable, kDefault };
 
+bool RefuseRow(String& error) {
+    error = u"Cound not build SQL statement";  // published spelling
+    return false;
+}
+
 void AppendQuoted(String& statement, StringView name) {
     statement += u'"';
     statement += name;
@@ -98,9 +103,9 @@ String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& colum
     return prefix += u" values";
 }
 
-bool AppendValueList(String& statement, const std::vector<ColumnDefinition>& columns,
+bool AppendValueList(String& error, String& statement, const std::vector<ColumnDefinition>& columns,
                      const DataRow& row) {
-    if (row.size() != columns.size()) return false;
+    if (row.size() != columns.size()) return RefuseRow(error);
     statement += u" (";
     bool first = true;
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -144,8 +149,9 @@ QualifiedName NameOfDescribed(StringView setting, StringView resolved, const Row
     return DivideName(resolved);
 }
 
-bool AppendColumnLine(String& statement, const QualifiedName& table, const DataRow& row) {
-    if (row.size() <= kTypeName) return false;
+bool AppendColumnLine(String& error, String& statement, const QualifiedName& table,
+                      const DataRow& row) {
+    if (row.size() <= kTypeName) return RefuseRow(error);
     if (statement.empty()) {
         AppendCreateTable(statement, table);
     } else {

@@ -19,8 +19,9 @@ String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& colum
                     bool column_list);
 
 // Appends the included values of the row as " (1,'O''Brien',NULL)", between the literal marks of
-// their columns, single quotes doubled. False when the row has not one value for each column.
-bool AppendValueList(String& statement, const std::vector<ColumnDefinition>& columns,
+// their columns, single quotes doubled. Fails with "Cound not build SQL statement", published
+// spelling, when the row has not one value for each column.
+bool AppendValueList(String& error, String& statement, const std::vector<ColumnDefinition>& columns,
                      const DataRow& row);
 
 struct QualifiedName {
@@ -49,7 +50,8 @@ QualifiedName NameOfDescribed(StringView setting, StringView resolved, const Row
 //      "max", and for the last three with the digits, unless they are 0. A type name that ends
 //      with ")" has its size already. A nullable of "0" gives
 //      "not null".
-// False when the row is too short to hold a type name.
-bool AppendColumnLine(String& statement, const QualifiedName& table, const DataRow& row);
+// Fails as AppendValueList does when the row is too short to hold a type name.
+bool AppendColumnLine(String& error, String& statement, const QualifiedName& table,
+                      const DataRow& row);
 
 }  // namespace sql

@@ -30,7 +30,7 @@ public:
 
     // Opens a session with the system's proxy settings: on Linux those of the environment variables
     // http_proxy and no_proxy. On failure returns null.
-    static std::unique_ptr<HttpClient> Open(std::uint32_t& code, const String& agent,
+    static std::unique_ptr<HttpClient> Open(std::uint32_t& code, const String& product,
                                             const HttpLimits& limits = {});
 
     // Takes the server for the requests that follow. It is not called yet, and its name is not

@@ -17,16 +17,9 @@ bool Refuse(String& error, StringView prefix, StringView reason) {
     return false;
 }
 
-// Puts the system's text between a prefix and what was to be done.
-bool Told(String& error, bool done, StringView prefix, const ErrorRecord& reason,
-          StringView task = {}) {
-    return done || Refuse(error, prefix, reason.text + String(task));
-}
-
-bool Move(String& error, const String& from, const String& to) {
-    ErrorRecord reason;
-    const bool moved = platform::MovePath(reason, from, to);
-    return Told(error, moved, {}, reason, Format(u" %s '%s' to '%s'", u"Move", from, to));
+// Puts a prefix before the system's text.
+bool Told(String& error, bool done, StringView prefix, const ErrorRecord& reason) {
+    return done || Refuse(error, prefix, reason.text);
 }
 
 // The names of a copy or a move.
@@ -39,6 +32,18 @@ struct Names {
     bool Complete() const { return !from.empty() && !to.empty(); }
     bool TooLong() const { return IsTooLong(from) || IsTooLong(to); }
 };
+
+// Puts what was to be done behind the system's text.
+bool Told(String& error, bool done, const ErrorRecord& reason, StringView verb,
+          const Names& names) {
+    return done ||
+           Refuse(error, reason.text, Format(u" %s '%s' to '%s'", verb, names.from, names.to));
+}
+
+bool Move(String& error, const Names& names) {
+    ErrorRecord reason;
+    return Told(error, platform::MovePath(reason, names.from, names.to), reason, u"Move", names);
+}
 
 bool CheckFileNames(String& error, const Names& names, StringView prefix) {
     if (!names.Complete()) return Refuse(error, prefix, u"from or to file name is empty.");
@@ -74,13 +79,12 @@ bool CopyFileCommand(String& error, const SectionSettings& settings) {
     if (!CheckFileNames(error, names, u"Copy File: ")) return false;
     ErrorRecord reason;
     const bool copied = platform::CopyOneFile(reason, names.from, names.to);
-    return Told(error, copied, {}, reason,
-                Format(u" %s '%s' to '%s'", u"Copy", names.from, names.to));
+    return Told(error, copied, reason, u"Copy", names);
 }
 
 bool MoveFileCommand(String& error, const SectionSettings& settings) {
     const Names names(settings);
-    return CheckFileNames(error, names, u"Move File: ") && Move(error, names.from, names.to);
+    return CheckFileNames(error, names, u"Move File: ") && Move(error, names);
 }
 
 bool CopyFolderCommand(String& error, const SectionSettings& settings) {
@@ -96,7 +100,7 @@ bool CopyFolderCommand(String& error, const SectionSettings& settings) {
 
 bool MoveFolderCommand(String& error, const SectionSettings& settings) {
     const Names names(settings);
-    return CheckFolderNames(error, names, u"Move Folder: ") && Move(error, names.from, names.to);
+    return CheckFolderNames(error, names, u"Move Folder: ") && Move(error, names);
 }
 
 bool DeleteFileCommand(String& error, const SectionSettings& settings) {

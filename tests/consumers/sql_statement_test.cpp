@@ -35,8 +35,9 @@ TEST(SqlStatement, ListsTheValuesOfARow) {
     };
     // clang-format on
     for (const auto& [row, list] : kCases) {
+        String error;
         String statement = u"values";
-        EXPECT_TRUE(sql::AppendValueList(statement, columns, testing_support::RowOf(row)));
+        EXPECT_TRUE(sql::AppendValueList(error, statement, columns, testing_support::RowOf(row)));
         EXPECT_EQ(ToUtf8(statement), std::string("values") + list);
     }
 }

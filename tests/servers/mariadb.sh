@@ -10,25 +10,8 @@
 # runs as the user "mysql", who must be able to reach DIR.
 set -eu
 
-fail() {
-    echo "mariadb.sh: $*" >&2
-    exit 1
-}
-
-# Runs a server program as a user who may, in a folder that this user can be in.
-as_server() {
-    if [ "$(id -u)" = 0 ]; then
-        (cd "$dir" && exec setpriv --reuid=mysql --regid=mysql --init-groups "$@")
-    else
-        (cd "$dir" && exec "$@")
-    fi
-}
-
-# A port that nobody listens on now. Somebody else may take it before the server does, so the
-# caller tries again.
-random_port() {
-    echo $((20000 + $(od -An -N2 -tu2 /dev/urandom) % 12000))
-}
+server_user=mysql
+. "$(dirname "$0")/common.sh"
 
 # Starts the server on a port and waits until it takes connections; false when it gives up.
 start_on() {
@@ -51,7 +34,7 @@ start_on() {
 }
 
 start() {
-    if [ "$(id -u)" = 0 ]; then chown mysql: "$dir"; fi
+    own_folder
     as_server mariadb-install-db --no-defaults --datadir="$dir/data" --skip-test-db \
         --auth-root-authentication-method=normal --innodb-log-file-size=8M \
         >"$dir/install.log" 2>&1 || fail "mariadb-install-db failed: $(cat "$dir/install.log")"
@@ -81,13 +64,10 @@ stop() {
     while kill -0 "$running" 2>/dev/null; do sleep 0.1; done
 }
 
-[ $# -eq 2 ] || fail "usage: mariadb.sh start|stop DIR"
-mkdir -p "$2"
-dir=$(cd "$2" && pwd)
 server=$(PATH=$PATH:/usr/sbin command -v mariadbd) ||
     fail "no MariaDB server is installed (Debian's package: mariadb-server)"
 case $1 in
     start) start ;;
     stop) stop ;;
-    *) fail "usage: mariadb.sh start|stop DIR" ;;
+    *) fail "usage: $name start|stop DIR" ;;
 esac

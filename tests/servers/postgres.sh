@@ -10,10 +10,8 @@
 # able to reach DIR.
 set -eu
 
-fail() {
-    echo "postgres.sh: $*" >&2
-    exit 1
-}
+server_user=postgres
+. "$(dirname "$0")/common.sh"
 
 find_programs() {
     for programs in $(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -Vr); do
@@ -22,23 +20,8 @@ find_programs() {
     fail "no PostgreSQL server is installed (Debian's package: postgresql)"
 }
 
-# Runs a server program as a user who may, in a folder that this user can be in.
-as_server() {
-    if [ "$(id -u)" = 0 ]; then
-        (cd "$dir" && exec setpriv --reuid=postgres --regid=postgres --init-groups "$@")
-    else
-        (cd "$dir" && exec "$@")
-    fi
-}
-
-# A port that nobody listens on now. Somebody else may take it before the server does, so the
-# caller tries again.
-random_port() {
-    echo $((20000 + $(od -An -N2 -tu2 /dev/urandom) % 12000))
-}
-
 start() {
-    if [ "$(id -u)" = 0 ]; then chown postgres: "$dir"; fi
+    own_folder
     as_server "$programs/initdb" -D "$dir/data" -A trust -U postgres -E UTF8 --locale=C \
         --no-sync >"$dir/initdb.log" 2>&1 || fail "initdb failed: $(cat "$dir/initdb.log")"
     for attempt in 1 2 3 4 5 6 7 8; do
@@ -59,12 +42,9 @@ stop() {
     as_server "$programs/pg_ctl" stop -s -m immediate -D "$dir/data"
 }
 
-[ $# -eq 2 ] || fail "usage: postgres.sh start|stop DIR"
-mkdir -p "$2"
-dir=$(cd "$2" && pwd)
 find_programs
 case $1 in
     start) start ;;
     stop) stop ;;
-    *) fail "usage: postgres.sh start|stop DIR" ;;
+    *) fail "usage: $name start|stop DIR" ;;
 esac

@@ -133,8 +133,8 @@ private:
 
 class CurlClient final : public HttpClient {
 public:
-    CurlClient(EasyHandle handle, const String& agent, const HttpLimits& limits)
-        : handle_(std::move(handle)), agent_(ToUtf8(agent)), limits_(limits) {
+    CurlClient(EasyHandle handle, const String& product, const HttpLimits& limits)
+        : handle_(std::move(handle)), product_(ToUtf8(product)), limits_(limits) {
         // What libcurl would send of its own.
         for (const char* header : {"Accept:", "Content-Type:"})
             headers_.reset(::curl_slist_append(headers_.release(), header));
@@ -153,7 +153,7 @@ public:
             "http://" + host_ + ":" + std::to_string(port_) + ToNativeBytes(target);
         ::curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
         ::curl_easy_setopt(handle, CURLOPT_PATH_AS_IS, 1L);
-        ::curl_easy_setopt(handle, CURLOPT_USERAGENT, agent_.c_str());
+        ::curl_easy_setopt(handle, CURLOPT_USERAGENT, product_.c_str());
         ::curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());
         ::curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http");
         ::curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http");
@@ -189,7 +189,7 @@ private:
     }
 
     EasyHandle handle_;
-    const std::string agent_;
+    const std::string product_;
     const HttpLimits limits_;
     HeaderList headers_;
     std::string host_;
@@ -198,14 +198,14 @@ private:
 
 }  // namespace
 
-std::unique_ptr<HttpClient> HttpClient::Open(std::uint32_t& code, const String& agent,
+std::unique_ptr<HttpClient> HttpClient::Open(std::uint32_t& code, const String& product,
                                              const HttpLimits& limits) {
     EasyHandle handle(::curl_easy_init());
     if (!handle) {
         code = CURLE_FAILED_INIT;
         return nullptr;
     }
-    return std::make_unique<CurlClient>(std::move(handle), agent, limits);
+    return std::make_unique<CurlClient>(std::move(handle), product, limits);
 }
 
 }  // namespace platform

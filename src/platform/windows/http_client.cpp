@@ -76,10 +76,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<HttpClient> HttpClient::Open(std::uint32_t& code, const String& agent,
+std::unique_ptr<HttpClient> HttpClient::Open(std::uint32_t& code, const String& product,
                                              const HttpLimits& limits) {
     InternetHandle session(
-        ::InternetOpenW(AsWide(agent), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+        ::InternetOpenW(AsWide(product), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
     if (!session) {
         code = ::GetLastError();
         return nullptr;
