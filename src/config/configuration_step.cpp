@@ -17,6 +17,7 @@ ParameterSet& ConfigurationStep::List(Section section, std::size_t index) {
             if (index < transforms_.size()) return transforms_[index];
             throw std::invalid_argument("ConfigurationStep::List bad index");
         case Section::CommandLine:
+        case Section::Globals:
             break;
     }
     throw std::invalid_argument("ConfigurationStep::List bad section");

@@ -6,7 +6,15 @@
 #include "core/parameter_set.h"
 
 // The sections that settings are read from; the first five belong to a step.
-enum class Section { Source = 0, Target = 1, Transform = 2, Settings = 3, System = 4, CommandLine };
+enum class Section {
+    Source = 0,
+    Target = 1,
+    Transform = 2,
+    Settings = 3,
+    System = 4,
+    CommandLine,
+    Globals
+};
 
 // One numbered step of a job file: a set for each kind of section, and any number of Transform
 // sections in the order of the file.
@@ -22,10 +30,15 @@ public:
     void AddTransform() { transforms_.emplace_back(); }
     std::size_t TransformCount() const { return transforms_.size(); }
 
+    // Where the step's head stands; line 0 for a step that no job file holds.
+    Place Head() const { return head_; }
+    void SetHead(Place head) { head_ = head; }
+
 private:
     ParameterSet source_;
     ParameterSet target_;
     ParameterSet settings_;
     ParameterSet system_;
     std::vector<ParameterSet> transforms_;
+    Place head_;
 };

@@ -1,16 +1,13 @@
 #include "config/job_file_reader.h"
 
-#include "base/activity_trail.h"
-#include "files/dfile.h"
+#include "config/job_keys.h"
 #include "files/format.h"
 #include "files/line_splitter.h"
 #include "files/text.h"
-#include "platform/console.h"
 #include "platform/environment.h"
 
 namespace {
 
-constexpr StringView kInclude = u"@include";
 constexpr StringView kStepHead = u"Step";
 constexpr std::size_t kShortestStepHead = 6;
 
@@ -25,85 +22,37 @@ constexpr SectionKeyword kSectionKeywords[] = {
     {u"System", Section::System},
 };
 
-// Loads the lines of a job file. Lines that are not loaded must not be lost in silence, so standard
-// error tells of them.
-bool LoadLines(ErrorRecord& error, const String& path, std::vector<String>& lines) {
-    LoadReport report;
-    if (!dFile::LoadFileContent(error, path, lines, &report)) return false;
-    if (report.encoding == Encoding::Utf8 && !lines.empty()) {
-        dFile::DecodeAfterMark(lines.front());
-    }
-    if (report.lines_left_out != 0) {
-        platform::WriteErrorText(
-            Format(u"Warning: '%s' was read up to line %u. %u lines after it were left out.\n",
-                   path, report.last_line, report.lines_left_out));
-    }
-    return true;
-}
-
-// `line` up to its comment, if it has one: the first "#" or ";" outside quotes.
-StringView CutComment(StringView line) {
-    bool single_quoted = false;
-    bool double_quoted = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const char16_t unit = line[i];
-        if (unit == u'\'' && !double_quoted) single_quoted = !single_quoted;
-        if (unit == u'"' && !single_quoted) double_quoted = !double_quoted;
-        const bool quoted = single_quoted || double_quoted;
-        if (!quoted && (unit == u'#' || unit == u';')) return line.substr(0, i);
-    }
-    return line;
-}
-
 bool IsComment(StringView line) { return line.front() == u';' || line.front() == u'#'; }
 
 }  // namespace
 
-bool Configuration::Read(String& error, const String& path) {
-    const ScopedState state(u"Configuration::Read");
-    return JobFileReader(*this).Read(error, path);
-}
-
-bool JobFileReader::Read(String& error, const String& path) {
-    std::vector<String> lines;
-    ErrorRecord load_error;
-    if (!LoadLines(load_error, path, lines)) {
-        error = Format(u"Error loading configuration file: %s", load_error.text);
-        return false;
-    }
-    if (!ExpandIncludes(error, lines)) return false;
-    for (const String& line : lines) {
-        ++line_number_;
-        if (!ParseLine(error, text::Trim(line, text::kBlanksAndLineEnds))) return false;
+std::optional<Job> JobFileReader::Read(String& error, const String& path) {
+    JobLines lines;
+    if (!rules_.load(error, path, lines)) return std::nullopt;
+    job_.files = std::move(lines.files);
+    for (const JobLine& line : lines.lines) {
+        place_ = line.place;
+        line_number_ = rules_.placed_errors ? place_.line : line_number_ + 1;
+        if (ParseLine(error, text::Trim(line.text, text::kBlanksAndLineEnds))) continue;
+        if (rules_.placed_errors) {
+            error = Format(u"%s:%u: %s", job_.files[place_.file], place_.line, error);
+        }
+        return std::nullopt;
     }
     EndStep();
-    return true;
+    return std::move(job_);
 }
 
-// Puts the lines of included files in place of the lines that name them. An included file is not
-// searched for further includes; one that cannot be loaded is dropped.
-bool JobFileReader::ExpandIncludes(String& error, std::vector<String>& lines) const {
-    std::vector<String> expanded;
-    for (String& line : lines) {
-        if (!line.starts_with(kInclude)) {
-            expanded.push_back(std::move(line));
-            continue;
-        }
-        StringView rest = line;
-        rest.remove_prefix(kInclude.size());
-        const String name(text::StripQuotes(rest.substr(rest.empty() ? 0 : 1)));
-        if (!platform::PathExists(name)) {
-            error = Format(u"@include statement. '%s' file is not accessible.\n", name);
-            return false;
-        }
-        std::vector<String> included;
-        ErrorRecord ignored;
-        if (LoadLines(ignored, name, included)) {
-            expanded.insert(expanded.end(), included.begin(), included.end());
-        }
+ParameterSet JobFileReader::ReadGlobals(const String& path) {
+    JobLines lines;
+    String ignored;
+    if (!rules_.load(ignored, path, lines)) return {};
+    for (const JobLine& line : lines.lines) {
+        const bool read = ParseLine(ignored, text::Trim(line.text, text::kBlanksAndLineEnds));
+        if (!read && state_ == State::Start) break;
+        if (state_ == State::AfterStepHead || state_ == State::InStep) break;
     }
-    lines = std::move(expanded);
-    return true;
+    return std::move(job_.globals);
 }
 
 // line: trimmed.
@@ -112,7 +61,7 @@ bool JobFileReader::ParseLine(String& error, StringView line) {
     // "Step #1" is a step head: its length counts before the comment is cut.
     const bool long_enough = line.size() >= kShortestStepHead;
     const bool begins_with_step = line.starts_with(kStepHead);
-    line = text::Trim(CutComment(line), text::kBlanksAndLineEnds);
+    line = text::Trim(rules_.cut_comment(line), text::kBlanksAndLineEnds);
     switch (state_) {
         case State::Start:
             return ParseStart(error, line, long_enough && begins_with_step);
@@ -155,11 +104,12 @@ bool JobFileReader::ParseAfterStepHead(String& error, StringView line) {
 void JobFileReader::BeginStep() {
     EndStep();
     step_ = std::make_unique<ConfigurationStep>();
+    step_->SetHead(place_);
     state_ = State::AfterStepHead;
 }
 
 void JobFileReader::EndStep() {
-    if (step_) configuration_.steps_.push_back(std::move(step_));
+    if (step_) job_.steps.push_back(std::move(step_));
 }
 
 // True when the line is a section keyword; the section becomes the current one. Among Globals a
@@ -167,7 +117,10 @@ void JobFileReader::EndStep() {
 bool JobFileReader::EnterSection(StringView line) {
     for (const SectionKeyword& keyword : kSectionKeywords) {
         if (line != keyword.word) continue;
-        if (state_ == State::InGlobals) return true;
+        if (state_ == State::InGlobals) {
+            job_.idle_sections.push_back({String(line), {}, place_});
+            return true;
+        }
         section_ = keyword.section;
         if (section_ == Section::Transform) step_->AddTransform();
         state_ = State::InStep;
@@ -187,14 +140,26 @@ bool JobFileReader::ParseItem(String& error, StringView line) {
     const StringView name = text::Trim(line.substr(0, equals), text::kBlanks);
     const StringView value = text::Trim(line.substr(equals + 1), text::kBlanks);
     if (state_ == State::InStep) {
-        const std::size_t transforms = step_->TransformCount();
-        step_->List(section_, transforms == 0 ? 0 : transforms - 1).Set(name, value);
-    } else if (name == u"environment") {
+        SetItem(CurrentSet(), name, value);
+    } else if (name == kEnvironment->name) {
         AddEnvironmentMacros(text::StripQuotes(value));
     } else {
-        configuration_.globals_.Set(name, value);
+        SetItem(job_.globals, name, value);
     }
     return true;
+}
+
+// Of the Transform sections the latest is the current one.
+ParameterSet& JobFileReader::CurrentSet() {
+    const std::size_t transforms = step_->TransformCount();
+    return step_->List(section_, transforms == 0 ? 0 : transforms - 1);
+}
+
+void JobFileReader::SetItem(ParameterSet& set, StringView name, StringView value) {
+    if (const ParameterSet::Element* first = set.Find(name)) {
+        job_.repetitions.push_back({String(name), first->place, place_});
+    }
+    set.Set(name, value, place_);
 }
 
 void JobFileReader::AddEnvironmentMacros(StringView names) {
@@ -203,6 +168,6 @@ void JobFileReader::AddEnvironmentMacros(StringView names) {
     for (const StringView field : fields) {
         const String name(text::Trim(field, text::kBlanks));
         const String value = platform::EnvironmentVariable(name);
-        if (!value.empty()) configuration_.user_macros_.push_back({u"$" + name + u"$", value});
+        if (!value.empty()) job_.environment_macros.push_back({u"$" + name + u"$", value, place_});
     }
 }

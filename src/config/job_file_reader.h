@@ -1,23 +1,33 @@
 #pragma once
 
-#include <cstddef>
 #include <memory>
-#include <vector>
+#include <optional>
 
 #include "base/strings.h"
-#include "config/configuration.h"
+#include "config/job.h"
+#include "config/job_lines.h"
 
-// Turns the lines of a job file into the Globals, user macros and steps of a configuration.
+// Turns the lines of a job file into a job.
+//
+// Lines count from 1: over the file with its includes in place by the loose rules, within their own
+// file by the strict ones.
+// "Incorrect configuration file. 'Step #' clause expected."
+// "Incorrect configuration file item: '%s'. 'Source','Target' or 'Setting' clause expected. Line
+// %d."
+// "Incorrect configuration file item: '%s'. name=value format expected. Line %d."
+// and the messages of the rules.
 class JobFileReader {
 public:
-    explicit JobFileReader(Configuration& configuration) : configuration_(configuration) {}
+    explicit JobFileReader(const JobFileRules& rules) : rules_(rules) {}
 
-    bool Read(String& error, const String& path);
+    // The job in the file; nothing after a failure.
+    std::optional<Job> Read(String& error, const String& path);
+    // The Globals alone, as far as they can be read.
+    ParameterSet ReadGlobals(const String& path);
 
 private:
     enum class State { Start, AfterStepHead, InStep, InGlobals };
 
-    bool ExpandIncludes(String& error, std::vector<String>& lines) const;
     bool ParseLine(String& error, StringView line);
     bool ParseStart(String& error, StringView line, bool is_step_head);
     bool ParseAfterStepHead(String& error, StringView line);
@@ -25,11 +35,15 @@ private:
     void BeginStep();
     void EndStep();
     bool EnterSection(StringView line);
+    ParameterSet& CurrentSet();
+    void SetItem(ParameterSet& set, StringView name, StringView value);
     void AddEnvironmentMacros(StringView names);
 
-    Configuration& configuration_;
+    const JobFileRules& rules_;
+    Job job_;
     State state_ = State::Start;
-    std::size_t line_number_ = 0;              // from 1 while a line is looked at
+    Place place_;                              // of the line that is looked at
+    std::size_t line_number_ = 0;              // of that line, as messages count
     std::unique_ptr<ConfigurationStep> step_;  // under construction
     Section section_ = Section::Source;
 };

@@ -1,13 +1,10 @@
 #include "base/activity_trail.h"
 #include "config/configuration.h"
+#include "config/job_keys.h"
 #include "files/format.h"
 #include "files/text.h"
 
 namespace {
-
-constexpr StringView kDateMacro = u"$DATE$";
-constexpr StringView kTimeMacro = u"$TIME$";
-constexpr StringView kTableMacro = u"$TABLE$";
 
 // The order matters: a replaced part is not looked at again by its own line, but by later ones.
 String FormatDate(String layout, const platform::LocalTime& now) {
@@ -28,31 +25,30 @@ bool Contains(StringView value, StringView part) { return value.find(part) != St
 
 }  // namespace
 
-void Configuration::ResolveUserMacros(String& value) const {
-    for (const ParameterSet::Element& macro : user_macros_) {
-        text::ReplaceAll(value, macro.name, macro.value);
-    }
-}
-
 void Configuration::ResolveMacros(String& value) const {
     const ScopedState state(u"Configuration::ResolveMacros");
     const platform::LocalTime now = clock_.Now();  // one reading for both macros
-    const auto layout = [&](StringView key) {
-        return GetValue(Section::Settings, key, Quotes::Strip);
-    };
     if (Contains(value, kDateMacro)) {
-        text::ReplaceAll(value, kDateMacro, FormatDate(layout(u"DateMacroFormat"), now));
+        const String layout = Text(Section::Settings, kDateMacroFormat);
+        text::ReplaceAll(value, kDateMacro, FormatDate(layout, now));
     }
     if (Contains(value, kTimeMacro)) {
-        text::ReplaceAll(value, kTimeMacro, FormatTime(layout(u"TimeMacroFormat"), now));
+        const String layout = Text(Section::Settings, kTimeMacroFormat);
+        text::ReplaceAll(value, kTimeMacro, FormatTime(layout, now));
     }
 }
 
 void Configuration::ResolveAllMacros(String& value) const {
     ResolveUserMacros(value);
     ResolveMacros(value);
-    if (!Contains(value, kTableMacro) || current_step_ >= steps_.size()) return;
-    const ParameterSet::Element* table =
-        steps_[current_step_]->List(Section::Source).Find(kTableMacro);
-    if (table != nullptr) text::ReplaceAll(value, kTableMacro, table->value);
+    if (!Contains(value, kTableMacro)) return;
+    if (macros_.Table()) {
+        text::ReplaceAll(value, kTableMacro, *macros_.Table());
+    } else if (current_step_ < job_.steps.size()) {
+        // A Source section may name the table itself, as an item of that name.
+        const ParameterSet& source = job_.steps[current_step_]->List(Section::Source);
+        if (const ParameterSet::Element* table = source.Find(kTableMacro)) {
+            text::ReplaceAll(value, kTableMacro, table->value);
+        }
+    }
 }

@@ -2,11 +2,13 @@
 
 #include "base/activity_trail.h"
 #include "config/configuration.h"
+#include "config/switches.h"
 #include "files/format.h"
 
 namespace {
 
-// A switch that is copied into a step.
+// A switch that is copied into a step. The keys belong to sources and targets, which this folder
+// does not know: the switch names them.
 struct QuickSwitch {
     StringView name;
     Quotes quotes;
@@ -14,7 +16,7 @@ struct QuickSwitch {
     StringView key;
 };
 
-constexpr QuickSwitch kSwitches[] = {
+constexpr QuickSwitch kQuickSwitches[] = {
     {u"-DSN", Quotes::Keep, Section::Source, u"DSN"},
     {u"-Query", Quotes::Strip, Section::Source, u"Query"},
     {u"-Login", Quotes::Keep, Section::Source, u"User"},
@@ -37,19 +39,19 @@ void MakeQueryToTextFile(ConfigurationStep& step) {
 
 bool Configuration::AdditonalCmdLine(String& error, std::size_t step_index) {
     const ScopedState state(u"Configuration::AdditonalCmdLine");
-    const String type = GetValue(Section::CommandLine, u"-Type", Quotes::Keep);
+    const String type = GetValue(Section::CommandLine, kTypeSwitch->name, Quotes::Keep);
     if (!type.empty()) {
-        if (steps_.empty()) steps_.push_back(std::make_unique<ConfigurationStep>());
+        if (job_.steps.empty()) job_.steps.push_back(std::make_unique<ConfigurationStep>());
         if (type != u"DatabaseQueryToTextFile") {
             error = Format(u"Unsupported value '%s' of -Type parameter.", type);
             return false;
         }
-        MakeQueryToTextFile(*steps_[step_index]);
+        MakeQueryToTextFile(*job_.steps[step_index]);
     }
-    assert(step_index < steps_.size());
-    for (const QuickSwitch& quick : kSwitches) {
+    assert(step_index < job_.steps.size());
+    for (const QuickSwitch& quick : kQuickSwitches) {
         const String value = GetValue(Section::CommandLine, quick.name, quick.quotes);
-        if (!value.empty()) steps_[step_index]->List(quick.section).Set(quick.key, value);
+        if (!value.empty()) job_.steps[step_index]->List(quick.section).Set(quick.key, value);
     }
     return true;
 }

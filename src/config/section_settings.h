@@ -1,36 +1,45 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "base/strings.h"
 #include "config/configuration.h"
 
-// One section of the current step as its source, target or transformer sees it: settings with
-// their fallback to Globals, and the job's macros. A light view; copy it freely.
+// One section of the current step as its source, target or transformer sees it: settings with their
+// fallback to Globals and the job's macros; see Configuration. A light view; copy it freely.
 class SectionSettings {
 public:
     SectionSettings(Configuration& configuration, Section section)
         : configuration_(&configuration), section_(section) {}
 
-    // A text setting; one surrounding pair of double quotes goes.
-    String Text(StringView name, StringView default_value = {}) const {
-        return configuration_->GetValue(section_, name, Quotes::Strip, default_value);
+    String Text(Key key) const { return configuration_->Text(section_, key); }
+    bool Flag(Key key) const { return configuration_->Flag(section_, key); }
+    std::int64_t Number(Key key) const { return configuration_->Number(section_, key); }
+    std::uint64_t Size(Key key) const { return configuration_->Size(section_, key); }
+    // The word that the key has, of an enumeration in the order of the key's words.
+    // unknown: what any other text means where words are read loosely.
+    template <class Words>
+    Words Word(Key key, Words unknown = Words{}) const {
+        const std::optional<std::size_t> word = configuration_->Word(section_, key);
+        return word ? static_cast<Words>(*word) : unknown;
     }
-    // A boolean setting, see IsTrue.
-    bool Flag(StringView name, bool default_value) const {
-        return configuration_->GetBool(section_, name, default_value);
+    // True when the section or Globals give the key a value.
+    bool IsSet(Key key) const {
+        const ParameterSet::Element* element = configuration_->Find(section_, *key);
+        return element != nullptr && !element->value.empty();
     }
-    // A text setting with all macros in it replaced.
-    String ResolvedText(StringView name, StringView default_value = {}) const {
-        String value = Text(name, default_value);
-        ResolveAllMacros(value);
-        return value;
-    }
-    void ResolveAllMacros(String& value) const { configuration_->ResolveAllMacros(value); }
-    void ResolveUserMacros(String& value) const { configuration_->ResolveUserMacros(value); }
+    bool Follows(Rule rule) const { return configuration_->Follows(rule); }
 
-    // Sets a value in the section itself, for later readers of this step.
-    void Set(StringView name, StringView value) const {
-        configuration_->Step(configuration_->CurrentStep()).List(section_).Set(name, value);
+    // The value of a key with its macros not yet replaced, for those that change with the rows.
+    String Unresolved(Key key) const { return configuration_->Unresolved(section_, key); }
+    void ResolveAllMacros(String& value) const { configuration_->ResolveAllMacros(value); }
+    // Replaces user macros where the lookup has left them.
+    void ResolveUserMacros(Key key, String& value) const {
+        if (!configuration_->ReplacesMacros(*key)) configuration_->ResolveUserMacros(value);
     }
+    // Tells which table the step reads from now on: "$TABLE$".
+    void NameTable(StringView table) const { configuration_->Macros().NameTable(table); }
 
 private:
     Configuration* configuration_;

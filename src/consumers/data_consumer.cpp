@@ -11,7 +11,6 @@
 #include "consumers/text_file.h"
 #include "consumers/xml_file.h"
 #include "core/logger.h"
-#include "core/type_table.h"
 #include "files/format.h"
 
 namespace DataConsumers {
@@ -22,26 +21,38 @@ std::unique_ptr<DataConsumer> MakeScript() {
     return std::make_unique<SQLScript>(kStatement);
 }
 
+template <class Target>
+constexpr TypeWord<DataConsumer> Row(StringView word) {
+    return RowOf<DataConsumer, Target>(word);
+}
+
 constexpr TypeWord<DataConsumer> kTypes[] = {
-    {u"TextFile", MakeOf<DataConsumer, TextFile>},
-    {u"SQLScript", MakeScript<SQLScript::Statement::Insert>},
-    {u"XMLFile", MakeOf<DataConsumer, XMLFile>},
-    {u"JSONFile", MakeOf<DataConsumer, JSONFile>},
-    {u"ExcelFile", MakeOf<DataConsumer, ExcelFile>},
-    {u"HtmlFile", MakeOf<DataConsumer, HtmlFile>},
-    {u"RTFFile", MakeOf<DataConsumer, RTFFile>},
-    {u"DDLScript", MakeScript<SQLScript::Statement::CreateTable>},
-    {u"DatabaseTable", MakeOf<DataConsumer, DatabaseData>},
-    {u"DatabaseSchema", MakeOf<DataConsumer, DatabaseSchema>},
+    Row<TextFile>(u"TextFile"),
+    {u"SQLScript", MakeScript<SQLScript::Statement::Insert>, SQLScript::InsertKeys},
+    Row<XMLFile>(u"XMLFile"),
+    Row<JSONFile>(u"JSONFile"),
+    Row<ExcelFile>(u"ExcelFile"),
+    Row<HtmlFile>(u"HtmlFile"),
+    Row<RTFFile>(u"RTFFile"),
+    {u"DDLScript", MakeScript<SQLScript::Statement::CreateTable>, SQLScript::CreateTableKeys},
+    Row<DatabaseData>(u"DatabaseTable"),
+    Row<DatabaseSchema>(u"DatabaseSchema"),
 };
 
 }  // namespace
+
+std::vector<TypeEntry> DataConsumer::Types() { return EntriesOf(kTypes); }
+
+bool DataConsumer::CheckColumns(String& /*error*/, const SectionSettings& /*settings*/,
+                                const RowSet& /*rows*/) {
+    return true;
+}
 
 bool DataConsumer::Create(String& error, const SectionSettings& settings,
                           std::unique_ptr<DataConsumer>& consumer, Quillon::Logger& logger,
                           std::size_t step) {
     const ScopedState state(u"DataConsumer::Create");
-    const String word = settings.Text(u"Type");
+    const String word = settings.Text(kType);
     std::unique_ptr<DataConsumer> made = MakeByWord(kTypes, word);
     if (made) {
         consumer = std::move(made);

@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "base/strings.h"
 #include "config/section_settings.h"
 #include "core/row_set.h"
+#include "core/type_table.h"
 
 namespace Quillon {
 class Logger;
@@ -26,6 +28,8 @@ public:
     static bool Create(String& error, const SectionSettings& settings,
                        std::unique_ptr<DataConsumer>& consumer, Quillon::Logger& logger,
                        std::size_t step);
+    // The type words, in their order, with the keys of each.
+    static std::vector<TypeEntry> Types();
 
     // Reads every setting, opens the output and sets the written size to 0.
     virtual bool Open(String& error, const SectionSettings& settings) = 0;
@@ -38,6 +42,16 @@ public:
     virtual bool NextResultSet(String& error, const SectionSettings& settings) = 0;
     // Finishes the output.
     virtual bool Close(String& error) = 0;
+
+    // Compares the columns of a source with what the target can take, and writes nothing.
+    virtual bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows);
+
+    // Names the file that the step reads, before Open. Empty: it reads none.
+    virtual void KeepClearOf(const String& /*input_file*/) {}
+    // Whether the widths of all values must be known before the first row.
+    virtual bool MeasuresWidths() const { return false; }
+    // Whether the written size counts bytes.
+    virtual bool WritesBytes() const { return false; }
 
     // Bytes of text written since Open, byte-order marks not counted; rows for database targets.
     std::uint64_t WrittenSize() const { return written_size_; }

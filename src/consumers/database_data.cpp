@@ -5,6 +5,22 @@
 #include "storages/connection_settings.h"
 
 namespace DataConsumers {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"Table",
+     .meaning = u"the table",
+     .macros = Macros::Replaced,
+     .names = Names::Table,
+     .needed = u"table"},
+    {.name = u"Delimiter", .meaning = u"what ends a statement"},
+});
+constexpr Key kTable = kKeys[u"Table"];
+constexpr Key kDelimiter = kKeys[u"Delimiter"];
+
+}  // namespace
+
+KeyList DatabaseData::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
 DatabaseData::~DatabaseData() { database_.Close(); }
 
@@ -16,12 +32,12 @@ bool DatabaseData::Open(String& error, const SectionSettings& settings) {
         error = u"The data source name or connect string is not provided";
         return false;
     }
-    table_ = settings.ResolvedText(u"Table");
+    table_ = settings.Text(kTable);
     if (table_.empty()) {
         error = u"The target table name is not provided";
         return false;
     }
-    delimiter_ = settings.Text(u"Delimiter");
+    delimiter_ = settings.Text(kDelimiter);
     if (!database_.Open(error, connection.source, connection.login, connection.password)) {
         return false;
     }

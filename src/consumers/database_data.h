@@ -8,6 +8,8 @@ namespace DataConsumers {
 // Inserts each row into a table of a database, one statement a row. The written size counts rows.
 class DatabaseData final : public DataConsumer {
 public:
+    static KeyList Keys();
+
     ~DatabaseData() override;
 
     // "The data source name or connect string is not provided"

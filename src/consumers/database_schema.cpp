@@ -4,6 +4,18 @@
 #include "storages/connection_settings.h"
 
 namespace DataConsumers {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"Table", .meaning = u"the table", .macros = Macros::Replaced, .names = Names::Table},
+    {.name = u"Delimiter", .meaning = u"what ends a statement"},
+});
+constexpr Key kTable = kKeys[u"Table"];
+constexpr Key kDelimiter = kKeys[u"Delimiter"];
+
+}  // namespace
+
+KeyList DatabaseSchema::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
 DatabaseSchema::~DatabaseSchema() { database_.Close(); }
 
@@ -18,9 +30,9 @@ bool DatabaseSchema::Open(String& error, const SectionSettings& settings) {
     if (!database_.Open(error, connection.source, connection.login, connection.password)) {
         return false;
     }
-    table_setting_ = settings.Text(u"Table");
-    table_ = settings.ResolvedText(u"Table");
-    delimiter_ = settings.Text(u"Delimiter");
+    table_setting_ = settings.Unresolved(kTable);
+    table_ = settings.Text(kTable);
+    delimiter_ = settings.Text(kDelimiter);
     return true;
 }
 

@@ -9,6 +9,8 @@ namespace DataConsumers {
 // database. The statement is not executed.
 class DatabaseSchema final : public DataConsumer {
 public:
+    static KeyList Keys();
+
     ~DatabaseSchema() override;
 
     // "The data source name or connect string is not provided", or the database's own messages.

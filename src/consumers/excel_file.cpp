@@ -45,6 +45,8 @@ bool IsNumeric(std::int32_t data_type) {
 
 }  // namespace
 
+KeyList ExcelFile::Keys() { return {FileKeys()}; }
+
 bool ExcelFile::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
     encoding_ = Encoding::Utf8;
     return true;

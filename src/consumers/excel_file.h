@@ -18,6 +18,8 @@ namespace DataConsumers {
 //      </Row>
 class ExcelFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     // Begins the workbook.
     bool Prepare(String& error, RowSet& rows) override;
     bool Write(String& error, RowSet& rows) override;

@@ -3,14 +3,31 @@
 namespace DataConsumers {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"Name",
+     .meaning = u"the file",
+     .macros = Macros::Replaced,
+     .names = Names::File,
+     .needed = u"name"},
+    {.name = u"OneFilePerResultSet",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"a file for each result set; macros in the name are replaced anew"},
+});
+constexpr Key kName = kKeys[u"Name"];
+constexpr Key kOneFilePerResultSet = kKeys[u"OneFilePerResultSet"];
+
 bool ReadName(String& error, const SectionSettings& settings, String& name) {
-    name = settings.ResolvedText(u"Name");
+    name = settings.Text(kName);
     if (!name.empty()) return true;
     error = u"File name is not provided.";
     return false;
 }
 
 }  // namespace
+
+KeySpan FileTarget::FileKeys() { return kKeys; }
 
 bool FileTarget::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
     return true;
@@ -23,7 +40,7 @@ bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     columns_are_new_ = true;
     write_failed_ = false;
-    one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
+    one_file_per_result_set_ = settings.Flag(kOneFilePerResultSet);
     String name;
     return ReadName(error, settings, name) && ReadSettings(error, settings) &&
            OpenFile(error, name);

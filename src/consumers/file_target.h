@@ -16,9 +16,14 @@ namespace DataConsumers {
 // whatever the target is asked for next fails as well.
 class FileTarget : public DataConsumer {
 public:
+    // The keys that all of them have.
+    static KeySpan FileKeys();
+
     bool Open(String& error, const SectionSettings& settings) override;
     bool NextResultSet(String& error, const SectionSettings& settings) override;
     bool Close(String& error) override;
+    void KeepClearOf(const String& input_file) override { input_file_ = input_file; }
+    bool WritesBytes() const override { return true; }
 
 protected:
     // Reads the format's own settings, encoding_ and append_ among them. No file is open yet.
@@ -53,6 +58,7 @@ private:
     bool Put(String& error, StringView text, std::size_t& bytes);
 
     dFile file_;
+    String input_file_;  // what the step reads; see IsInputInDanger
     bool columns_are_new_ = true;
     bool file_is_open_ = false;
     bool write_failed_ = false;  // in this file or in one before it

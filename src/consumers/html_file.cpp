@@ -1,5 +1,6 @@
 #include "consumers/html_file.h"
 
+#include "config/encoding_setting.h"
 #include "consumers/markup.h"
 #include "files/format.h"
 #include "platform/file_system.h"
@@ -9,6 +10,49 @@ namespace {
 
 constexpr StringView kTableEnd = u"</table>\r\n";
 constexpr StringView kRowEnd = u"</tr>\r\n";
+constexpr StringView kPrologue = u"<html><body>\r\n";
+constexpr StringView kEpilogue = u"</body></html>";
+
+constexpr KeyTable kKeys({
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"ANSI",
+     .meaning = u"of a new file",
+     .loose_words = kLooseNarrowEncodingWords},
+    {.name = u"TableClass",
+     .edition1 = u"table",
+     .edition2 = u"table",
+     .meaning = u"the class of the table"},
+    {.name = u"TableHeaderClass", .meaning = u"the class of the names' cells"},
+    {.name = u"RowClass", .meaning = u"the class of the rows"},
+    {.name = u"CellClass", .meaning = u"the class of the cells"},
+    {.name = u"Prologue",
+     .edition1 = kPrologue,
+     .edition2 = kPrologue,
+     .meaning = u"what stands before the table",
+     .defaults = u"<html><body> and a line end"},
+    {.name = u"PrologueFile",
+     .meaning = u"a file that holds the prologue",
+     .names = Names::FileRead},
+    {.name = u"Epilogue",
+     .edition1 = kEpilogue,
+     .edition2 = kEpilogue,
+     .meaning = u"what stands behind the table"},
+    {.name = u"EpilogueFile",
+     .meaning = u"a file that holds the epilogue",
+     .names = Names::FileRead},
+});
+constexpr Key kEncoding = kKeys[u"Encoding"];
+constexpr Key kTableClass = kKeys[u"TableClass"];
+constexpr Key kTableHeaderClass = kKeys[u"TableHeaderClass"];
+constexpr Key kRowClass = kKeys[u"RowClass"];
+constexpr Key kCellClass = kKeys[u"CellClass"];
+constexpr Key kPrologueText = kKeys[u"Prologue"];
+constexpr Key kPrologueFile = kKeys[u"PrologueFile"];
+constexpr Key kEpilogueText = kKeys[u"Epilogue"];
+constexpr Key kEpilogueFile = kKeys[u"EpilogueFile"];
 
 String OpeningTag(StringView element, const String& css_class) {
     if (css_class.empty()) return Format(u"<%s>\r\n", element);
@@ -17,24 +61,26 @@ String OpeningTag(StringView element, const String& css_class) {
 
 }  // namespace
 
+KeyList HtmlFile::Keys() { return {kKeys, FileKeys()}; }
+
 bool HtmlFile::ReadSettings(String& error, const SectionSettings& settings) {
-    encoding_ = settings.Text(u"Encoding") == u"UTF8" ? Encoding::Utf8 : Encoding::Ansi;
-    table_tag_ = OpeningTag(u"table", settings.Text(u"TableClass", u"table"));
-    header_tag_ = OpeningTag(u"th", settings.Text(u"TableHeaderClass"));
-    row_tag_ = OpeningTag(u"tr", settings.Text(u"RowClass"));
-    cell_tag_ = OpeningTag(u"td", settings.Text(u"CellClass"));
+    encoding_ = ReadEncoding(settings, kEncoding);
+    table_tag_ = OpeningTag(u"table", settings.Text(kTableClass));
+    header_tag_ = OpeningTag(u"th", settings.Text(kTableHeaderClass));
+    row_tag_ = OpeningTag(u"tr", settings.Text(kRowClass));
+    cell_tag_ = OpeningTag(u"td", settings.Text(kCellClass));
     return ReadFrame(error, settings);
 }
 
 bool HtmlFile::ReadFrame(String& error, const SectionSettings& settings) {
-    prologue_ = settings.Text(u"Prologue", u"<html><body>\r\n");
-    epilogue_ = settings.Text(u"Epilogue", u"</body></html>");
-    const String prologue_file = settings.Text(u"PrologueFile");
+    prologue_ = settings.Text(kPrologueText);
+    epilogue_ = settings.Text(kEpilogueText);
+    const String prologue_file = settings.Text(kPrologueFile);
     if (!prologue_file.empty() && !platform::PathExists(prologue_file)) {
         error = Format(u"Prologue file '%s' does not exist or inaccessible.", prologue_file);
         return false;
     }
-    const String epilogue_file = settings.Text(u"EpilogueFile");
+    const String epilogue_file = settings.Text(kEpilogueFile);
     if (!epilogue_file.empty() && !platform::PathExists(epilogue_file)) {
         // Published spelling.
         error = Format(u"Epilogue file '%s' dies not exist or inaccessible.", epilogue_file);

@@ -21,6 +21,8 @@ namespace DataConsumers {
 // mark these files are read as UTF-8, or byte by byte where they are not that.
 class HtmlFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     // Writes the prologue and begins the table.
     bool Prepare(String& error, RowSet& rows) override;
     bool Write(String& error, RowSet& rows) override;

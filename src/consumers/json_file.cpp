@@ -1,11 +1,29 @@
 #include "consumers/json_file.h"
 
+#include "config/encoding_setting.h"
 #include "consumers/escaping.h"
 #include "files/format.h"
 #include "files/text.h"
 
 namespace DataConsumers {
 namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"start the file empty"},
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"ANSI",
+     .meaning = u"of a new file",
+     .loose_words = kLooseNarrowEncodingWords},
+});
+constexpr Key kOverwrite = kKeys[u"Overwrite"];
+constexpr Key kEncoding = kKeys[u"Encoding"];
 
 void AppendEscape(String& line, char16_t unit) {
     line += u'\\';
@@ -41,9 +59,11 @@ void AppendText(String& line, StringView text) {
 
 }  // namespace
 
+KeyList JSONFile::Keys() { return {kKeys, FileKeys()}; }
+
 bool JSONFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
-    encoding_ = settings.Text(u"Encoding") == u"UTF8" ? Encoding::Utf8 : Encoding::Ansi;
-    append_ = !settings.Flag(u"Overwrite", false);
+    encoding_ = ReadEncoding(settings, kEncoding);
+    append_ = !settings.Flag(kOverwrite);
     return true;
 }
 

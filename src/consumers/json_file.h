@@ -16,6 +16,8 @@ namespace DataConsumers {
 // characters other than CR, LF and tab as they are, so not everything is strict JSON.
 class JSONFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     bool Prepare(String& error, RowSet& rows) override;
     // "JSONFile: Broken row structure [Values: %d, Structure: %d for '%s']"; without a text when no
     // file is open.

@@ -42,6 +42,8 @@ String RowDefinition(std::size_t cells, int shading) {
 
 }  // namespace
 
+KeyList RTFFile::Keys() { return {FileKeys()}; }
+
 bool RTFFile::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
     encoding_ = Encoding::Utf8;
     return true;

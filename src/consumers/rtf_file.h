@@ -10,6 +10,8 @@ namespace DataConsumers {
 // characters beyond ASCII are not escaped.
 class RTFFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     // Begins the document with the row of names.
     bool Prepare(String& error, RowSet& rows) override;
     bool Write(String& error, RowSet& rows) override;

@@ -1,22 +1,68 @@
 #include "consumers/sql_script.h"
 
+#include "config/encoding_setting.h"
 #include "consumers/sql_statement.h"
-#include "files/text.h"
 
 namespace DataConsumers {
+namespace {
+
+constexpr KeyTable kScriptKeys({
+    {.name = u"Table",
+     .meaning = u"the table's name; macros are replaced for each result set",
+     .macros = Macros::Replaced,
+     .names = Names::Table,
+     .needed = u"table"},
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"start the file empty"},
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"ANSI",
+     .meaning = u"of a new file",
+     .loose_words = kLooseEncodingWords},
+    {.name = u"Delimiter", .meaning = u"what ends a statement"},
+});
+constexpr Key kTable = kScriptKeys[u"Table"];
+constexpr Key kOverwrite = kScriptKeys[u"Overwrite"];
+constexpr Key kEncoding = kScriptKeys[u"Encoding"];
+constexpr Key kDelimiter = kScriptKeys[u"Delimiter"];
+
+constexpr KeyTable kInsertKeys({
+    {.name = u"BatchSize",
+     .kind = KeyKind::Number,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"rows a statement"},
+    {.name = u"ColumnList",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"name the columns in each statement"},
+});
+constexpr Key kBatchSize = kInsertKeys[u"BatchSize"];
+constexpr Key kColumnList = kInsertKeys[u"ColumnList"];
+
+}  // namespace
+
+KeyList SQLScript::InsertKeys() { return {kInsertKeys, kScriptKeys, FileKeys()}; }
+KeyList SQLScript::CreateTableKeys() { return {kScriptKeys, FileKeys()}; }
 
 bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
     settings_ = settings;
-    table_setting_ = settings.Text(u"Table");
+    table_setting_ = settings.Unresolved(kTable);
     if (table_setting_.empty()) {
         error = u"Output table name is not provided.";
         return false;
     }
-    encoding_ = EncodingFromWord(settings.Text(u"Encoding"));
-    delimiter_ = settings.Text(u"Delimiter");
-    batch_size_ = text::ToInteger(settings.Text(u"BatchSize", u"1"));
-    column_list_ = settings.Flag(u"ColumnList", false);
-    append_ = !settings.Flag(u"Overwrite", false);
+    encoding_ = ReadEncoding(settings, kEncoding);
+    delimiter_ = settings.Text(kDelimiter);
+    batch_size_ = settings.Number(kBatchSize);
+    column_list_ = settings.Flag(kColumnList);
+    append_ = !settings.Flag(kOverwrite);
     return true;
 }
 

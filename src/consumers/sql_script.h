@@ -23,6 +23,9 @@ namespace DataConsumers {
 class SQLScript final : public FileTarget {
 public:
     enum class Statement { Insert, CreateTable };
+    static KeyList InsertKeys();
+    static KeyList CreateTableKeys();
+
     explicit SQLScript(Statement statement) : statement_(statement) {}
 
     // Takes the table and the columns for the rows that follow.

@@ -1,6 +1,7 @@
 #include "consumers/text_file.h"
 
 #include "base/activity_trail.h"
+#include "config/encoding_setting.h"
 #include "files/format.h"
 #include "files/text.h"
 #include "platform/console.h"
@@ -8,6 +9,63 @@
 
 namespace DataConsumers {
 namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"start the file empty"},
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"ANSI",
+     .meaning = u"of a new file",
+     .loose_words = kLooseEncodingWords},
+    {.name = u"Header",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"write the names of the columns first"},
+    {.name = u"Delimiter",
+     .edition1 = u"tab",
+     .edition2 = u"tab",
+     .meaning = u"what stands between two fields"},
+    {.name = u"QuotationMode",
+     .kind = KeyKind::Word,
+     .words = u"Never ByValue Always",
+     .edition1 = u"Never",
+     .edition2 = u"Never",
+     .meaning = u"which fields stand between quotes",
+     .any_case = true},
+    {.name = u"QuoteChar", .edition1 = u"\"", .edition2 = u"\"", .meaning = u"the quote of fields"},
+    {.name = u"EndOfLine",
+     .kind = KeyKind::Word,
+     .words = u"LF CRLF",
+     .edition1 = u"CRLF",
+     .edition2 = u"CRLF",
+     .meaning = u"what ends a line"},
+    {.name = u"NullIsEmptyString",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"write NULL as nothing"},
+    {.name = u"FixedWidth",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"line columns up with blanks; the source is read twice"},
+});
+constexpr Key kOverwrite = kKeys[u"Overwrite"];
+constexpr Key kEncoding = kKeys[u"Encoding"];
+constexpr Key kHeader = kKeys[u"Header"];
+constexpr Key kDelimiter = kKeys[u"Delimiter"];
+constexpr Key kQuotationMode = kKeys[u"QuotationMode"];
+constexpr Key kQuoteChar = kKeys[u"QuoteChar"];
+constexpr Key kEndOfLine = kKeys[u"EndOfLine"];
+constexpr Key kNullIsEmptyString = kKeys[u"NullIsEmptyString"];
+constexpr Key kFixedWidth = kKeys[u"FixedWidth"];
 
 bool IsConsoleName(StringView name) { return name == u"STDOUT" || name == u"CONSOLE"; }
 
@@ -17,23 +75,22 @@ String DelimiterOf(const String& setting) {
 
 }  // namespace
 
+KeyList TextFile::Keys() { return {kKeys, FileKeys()}; }
+
 bool TextFile::Open(String& error, const SectionSettings& settings) {
     const ScopedState state(u"TextFile::Open");
     written_size_ = 0;
-    const String name = settings.ResolvedText(u"Name");
-    encoding_ = EncodingFromWord(settings.Text(u"Encoding"));
-    const String quotation = settings.Text(u"QuotationMode");
-    quotation_ = text::EqualsIgnoringCase(quotation, u"ByValue")  ? Quotation::ByValue
-                 : text::EqualsIgnoringCase(quotation, u"Always") ? Quotation::Always
-                                                                  : Quotation::Never;
-    end_of_line_ = settings.Text(u"EndOfLine", u"CRLF") == u"LF" ? u"\n" : u"\r\n";
-    delimiter_ = DelimiterOf(settings.Text(u"Delimiter", u"tab"));
-    header_ = settings.Flag(u"Header", false);
-    append_ = !settings.Flag(u"Overwrite", false);
-    null_is_empty_ = settings.Flag(u"NullIsEmptyString", false);
-    quote_ = settings.Text(u"QuoteChar", u"\"");
-    fixed_width_ = settings.Flag(u"FixedWidth", false);
-    one_file_per_result_set_ = settings.Flag(u"OneFilePerResultSet", false);
+    const String name = settings.Text(FileName());
+    encoding_ = ReadEncoding(settings, kEncoding);
+    quotation_ = settings.Word(kQuotationMode, Quotation::Never);
+    end_of_line_ = settings.Word(kEndOfLine, EndOfLine::CrLf) == EndOfLine::Lf ? u"\n" : u"\r\n";
+    delimiter_ = DelimiterOf(settings.Text(kDelimiter));
+    header_ = settings.Flag(kHeader);
+    append_ = !settings.Flag(kOverwrite);
+    null_is_empty_ = settings.Flag(kNullIsEmptyString);
+    quote_ = settings.Text(kQuoteChar);
+    fixed_width_ = settings.Flag(kFixedWidth);
+    one_file_per_result_set_ = settings.Flag(OneFilePerResultSetKey());
 
     const bool existed = platform::PathExists(name);
     header_pending_ = header_ && !(append_ && existed);
@@ -137,7 +194,7 @@ bool TextFile::NextResultSet(String& error, const SectionSettings& settings) {
     if (!EndFile(error)) return false;
     if (one_file_per_result_set_) {
         if (!Close(error)) return false;
-        if (!OpenOutput(error, settings.ResolvedText(u"Name", u"CONSOLE"))) return false;
+        if (!OpenOutput(error, settings.Text(FileName()))) return false;
     }
     line_.clear();
     if (header_) header_pending_ = true;

@@ -12,15 +12,19 @@ namespace DataConsumers {
 // Quote characters and line breaks inside a value are written as they are.
 class TextFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     bool Open(String& error, const SectionSettings& settings) override;
     bool Prepare(String& error, RowSet& rows) override;
     // "TextFile: Broken row structure [Values: %d, Structure: %d for '%s']", or the file layer's
     // messages.
     bool Write(String& error, RowSet& rows) override;
     bool NextResultSet(String& error, const SectionSettings& settings) override;
+    bool MeasuresWidths() const override { return fixed_width_; }
 
 private:
     enum class Quotation { Never, ByValue, Always };
+    enum class EndOfLine { Lf, CrLf };
 
     bool EndFile(String& error) override;
     bool OpenOutput(String& error, const String& name);

@@ -6,6 +6,29 @@
 namespace DataConsumers {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"start the file empty"},
+    {.name = u"FieldIsTag",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"name the elements of values after their columns"},
+    {.name = u"set", .meaning = u"the name of the element around all rows"},
+    {.name = u"row", .meaning = u"the name of the element around a row"},
+    {.name = u"item", .meaning = u"the name of the element around a value"},
+    {.name = u"name", .meaning = u"the name of the attribute that holds a column's name"},
+});
+constexpr Key kOverwrite = kKeys[u"Overwrite"];
+constexpr Key kFieldIsTag = kKeys[u"FieldIsTag"];
+constexpr Key kSet = kKeys[u"set"];
+constexpr Key kRow = kKeys[u"row"];
+constexpr Key kItem = kKeys[u"item"];
+constexpr Key kNameAttribute = kKeys[u"name"];
+
 // A name as that of an opening tag: what would end the tag or break the document becomes an
 // underscore. Closing tags have the name as it is; that is published behaviour.
 String TagName(String name) {
@@ -17,16 +40,18 @@ String TagName(String name) {
 
 }  // namespace
 
+KeyList XMLFile::Keys() { return {kKeys, FileKeys()}; }
+
 bool XMLFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
     encoding_ = Encoding::Utf8;
-    field_is_tag_ = settings.Flag(u"FieldIsTag", false);
-    set_ = settings.Text(u"set");
-    const String row = settings.Text(u"row");
+    field_is_tag_ = settings.Flag(kFieldIsTag);
+    set_ = settings.Text(kSet);
+    const String row = settings.Text(kRow);
     row_start_ = Format(u"<%s>\r\n", row);
     row_end_ = Format(u"</%s>\r\n", row);
-    item_ = settings.Text(u"item");
-    name_attribute_ = settings.Text(u"name");
-    append_ = !settings.Flag(u"Overwrite", false);
+    item_ = settings.Text(kItem);
+    name_attribute_ = settings.Text(kNameAttribute);
+    append_ = !settings.Flag(kOverwrite);
     return true;
 }
 

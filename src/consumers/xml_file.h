@@ -19,6 +19,8 @@ namespace DataConsumers {
 // tag made of a column's name, so odd names give a document that no reader takes.
 class XMLFile final : public FileTarget {
 public:
+    static KeyList Keys();
+
     // Begins the element around all rows.
     bool Prepare(String& error, RowSet& rows) override;
     bool Write(String& error, RowSet& rows) override;

@@ -26,16 +26,17 @@ std::size_t ParameterSet::IndexOf(StringView name, std::uint64_t hash) const {
     return index;
 }
 
-void ParameterSet::Set(StringView name, StringView value) {
+void ParameterSet::Set(StringView name, StringView value, Place place) {
     const std::uint64_t hash = Hash(name);
     const std::size_t index = IndexOf(name, hash);
     if (index != kNone) {
         entries_[index].element.value = value;
+        entries_[index].element.place = place;
         return;
     }
     if (entries_.size() == buckets_.size()) DoubleBuckets();
     std::size_t& bucket = BucketOf(hash);
-    entries_.push_back({{String(name), String(value)}, hash, bucket});
+    entries_.push_back({{String(name), String(value), place}, hash, bucket});
     bucket = entries_.size() - 1;
 }
 
@@ -58,9 +59,12 @@ String ParameterSet::Get(StringView name, StringView default_value) const {
     return element != nullptr ? element->value : String(default_value);
 }
 
-bool ParameterSet::Dump(String& error, StringView prefix, Quillon::Logger& logger) const {
+bool ParameterSet::Dump(String& error, StringView prefix, Quillon::Logger& logger,
+                        const Shown& shown) const {
     for (const Entry& entry : entries_) {
-        const String line = Format(u"  %s.%s=%s", prefix, entry.element.name, entry.element.value);
+        const Element& element = entry.element;
+        const String line =
+            Format(u"  %s.%s=%s", prefix, element.name, shown ? shown(element) : element.value);
         if (!logger.Write(error, line, 0)) return false;
     }
     return true;

@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <vector>
 
 #include "base/strings.h"
+#include "core/place.h"
 
 namespace Quillon {
 class Logger;
@@ -19,13 +21,14 @@ public:
     struct Element {
         String name;
         String value;
+        Place place = {};  // where the value was written
     };
 
     ParameterSet() : buckets_(kInitialBuckets, kNone) {}
 
     // Adds the pair, or replaces the value of an existing name in place.
-    void Set(StringView name, StringView value);
-    void Set(const Element& element) { Set(element.name, element.value); }
+    void Set(StringView name, StringView value, Place place = {});
+    void Set(const Element& element) { Set(element.name, element.value, element.place); }
 
     // The element of that name, or null. Valid as long as the set.
     const Element* Find(StringView name) const;
@@ -33,10 +36,16 @@ public:
     String Get(StringView name, StringView default_value) const;
 
     bool Empty() const { return entries_.empty(); }
+    std::size_t Size() const { return entries_.size(); }
+    // The elements, in the order of their first setting; positions from 0.
+    const Element& At(std::size_t position) const { return entries_[position].element; }
 
     // Writes one line "  prefix.name=value" for each element through `logger`. False as soon as a
     // write fails.
-    bool Dump(String& error, StringView prefix, Quillon::Logger& logger) const;
+    // shown: what stands for an element's value; without it the value itself.
+    using Shown = std::function<String(const Element& element)>;
+    bool Dump(String& error, StringView prefix, Quillon::Logger& logger,
+              const Shown& shown = {}) const;
 
 private:
     static constexpr std::size_t kInitialBuckets = 8;  // always a power of two

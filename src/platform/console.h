@@ -12,6 +12,9 @@ namespace platform {
 // True when standard output is shown to a person: a terminal, a console window.
 bool StandardOutputIsTerminal();
 
+// The same of standard error.
+bool StandardErrorIsTerminal();
+
 // Writes all of `bytes` to standard output; false when fewer arrived (a closed pipe, a full disk).
 bool WriteStandardOutput(std::span<const std::byte> bytes);
 

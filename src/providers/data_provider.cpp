@@ -1,6 +1,5 @@
 #include "providers/data_provider.h"
 
-#include "core/type_table.h"
 #include "files/format.h"
 #include "providers/database_content.h"
 #include "providers/database_metadata.h"
@@ -13,23 +12,30 @@
 namespace DataProviders {
 namespace {
 
+template <class Source>
+constexpr TypeWord<DataProvider> Row(StringView word) {
+    return RowOf<DataProvider, Source>(word);
+}
+
 constexpr TypeWord<DataProvider> kTypes[] = {
-    {u"DatabaseQuery", MakeOf<DataProvider, DatabaseQuery>},
-    {u"DatabaseTable", MakeOf<DataProvider, DatabaseQuery>},
-    {u"ODBCDataSourcesList", MakeOf<DataProvider, ODBCDataSources>},
-    {u"ODBCDriverList", MakeOf<DataProvider, ODBCDrivers>},
-    {u"TextFile", MakeOf<DataProvider, TextFile>},
-    {u"DatabaseSchema", MakeOf<DataProvider, DatabaseMetadata>},
-    {u"Database", MakeOf<DataProvider, DatabaseContent>},
-    {u"DatabaseContent", MakeOf<DataProvider, DatabaseContent>},
-    {u"OledbProvidersList", MakeOf<DataProvider, OledbProviders>},
+    Row<DatabaseQuery>(u"DatabaseQuery"),
+    Row<DatabaseQuery>(u"DatabaseTable"),
+    Row<ODBCDataSources>(u"ODBCDataSourcesList"),
+    Row<ODBCDrivers>(u"ODBCDriverList"),
+    Row<TextFile>(u"TextFile"),
+    Row<DatabaseMetadata>(u"DatabaseSchema"),
+    Row<DatabaseContent>(u"Database"),
+    Row<DatabaseContent>(u"DatabaseContent"),
+    Row<OledbProviders>(u"OledbProvidersList"),
 };
 
 }  // namespace
 
+std::vector<TypeEntry> DataProvider::Types() { return EntriesOf(kTypes); }
+
 bool DataProvider::Create(String& error, const SectionSettings& settings,
                           std::unique_ptr<DataProvider>& provider, Quillon::Logger&) {
-    const String word = settings.Text(u"Type");
+    const String word = settings.Text(kType);
     std::unique_ptr<DataProvider> made = MakeByWord(kTypes, word);
     if (made) {
         provider = std::move(made);
@@ -40,5 +46,11 @@ bool DataProvider::Create(String& error, const SectionSettings& settings,
 }
 
 bool DataProvider::HasMoreData(String&, RowSet&) { return false; }
+
+bool DataProvider::Describe(String& error, const SectionSettings& settings, RowSet& rows) {
+    const bool described = Open(error, settings, rows);
+    Close();
+    return described;
+}
 
 }  // namespace DataProviders

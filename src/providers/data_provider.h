@@ -1,10 +1,14 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "base/strings.h"
 #include "config/section_settings.h"
 #include "core/row_set.h"
+#include "core/type_table.h"
 
 namespace Quillon {
 class Logger;
@@ -21,6 +25,8 @@ public:
     // Does not open it. Fails with "Incorrect type for source '%s'.".
     static bool Create(String& error, const SectionSettings& settings,
                        std::unique_ptr<DataProvider>& provider, Quillon::Logger& logger);
+    // The type words, in their order, with the keys of each.
+    static std::vector<TypeEntry> Types();
 
     // Reads the Source section and describes the columns of the first result set into `rows`. May
     // be called again after Close.
@@ -40,6 +46,26 @@ public:
 
     // False for a source that can be read only once, such as standard input.
     virtual bool CanReopen() const { return true; }
+
+    // Describes the columns as Open does, without reading rows or changing anything.
+    virtual bool Describe(String& error, const SectionSettings& settings, RowSet& rows);
+
+    // Why the last Fetch or HasMoreData that returned false has lost rows; empty where all there
+    // were have been read. May be set although `error` was not.
+    const String& Loss() const { return loss_; }
+    // Whether such a loss fails the step, whatever the step makes of failed reading.
+    bool LossFailsStep() const { return loss_fails_step_; }
+
+    // The file that is being read; empty for what is none.
+    virtual String InputFile() const { return {}; }
+    // The line of that file, from 1, where the latest row began; 0 without one.
+    virtual std::uint64_t Line() const { return 0; }
+    // How much has been read, from 0 to 1, where the size of all is known.
+    virtual std::optional<double> ReadShare() const { return std::nullopt; }
+
+protected:
+    String loss_;
+    bool loss_fails_step_ = false;
 };
 
 }  // namespace DataProviders

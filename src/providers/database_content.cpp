@@ -5,6 +5,23 @@
 namespace DataProviders {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"Tables",
+     .edition1 = u"*",
+     .edition2 = u"*",
+     .meaning = u"the tables, with commas between them; * for all",
+     .names = Names::Tables},
+    {.name = u"MissingTables",
+     .kind = KeyKind::Word,
+     .words = u"End Skip Stop",
+     .edition1 = u"End",
+     .edition2 = u"Stop",
+     .meaning = u"a table that cannot be read ends the rows, is left out, or fails the step",
+     .since = Since::Later},
+});
+constexpr Key kTables = kKeys[u"Tables"];
+constexpr Key kMissingTables = kKeys[u"MissingTables"];
+
 using DataStorages::TableEntry;
 
 // Takes one name off the start of a list, up to a comma, which goes. Double quotes and brackets
@@ -56,6 +73,8 @@ void AppendQuoted(String& query, StringView name) {
 
 }  // namespace
 
+KeyList DatabaseContent::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
+
 bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     settings_ = settings;
     tables_.clear();
@@ -65,7 +84,7 @@ bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSe
         error = u"The database type or connection type is not supported yet";
         return false;
     }
-    return Connect(error, connection) && ListTables(error, settings.Text(u"Tables", u"*")) &&
+    return Connect(error, connection) && ListTables(error, settings.Text(kTables)) &&
            HasMoreData(error, rows);
 }
 
@@ -87,7 +106,7 @@ bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
     AppendQuoted(query, table.Name);
     rows.SchemaName = table.Detail;
     rows.TableName = table.Name;
-    settings_->Set(u"$TABLE$", table.Name);
+    settings_->NameTable(table.Name);
     rows.ClearRow();
     return RunQuery(error, query, rows);
 }

@@ -12,6 +12,8 @@ namespace DataProviders {
 // in the row set and in the step's macro "$TABLE$" before its rows flow.
 class DatabaseContent final : public DatabaseSource {
 public:
+    static KeyList Keys();
+
     // "The database type or connection type is not supported yet"
     // "Could not parse name '%s'"
     // The database's own messages; after a failed query the query text follows on its own line.

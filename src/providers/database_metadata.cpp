@@ -7,6 +7,30 @@
 namespace DataProviders {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"ObjectType",
+     .kind = KeyKind::Word,
+     .words = u"Table View AllTables AllViews",
+     .meaning = u"what to describe: one table or view, or the list of all",
+     .names = Names::Catalogue,
+     .needed = u"type"},
+    {.name = u"Name",
+     .meaning = u"the table or view",
+     .macros = Macros::ByEdition,
+     .names = Names::Table},
+    {.name = u"Schema", .meaning = u"its schema; empty for any"},
+    {.name = u"WithColumns",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"let the columns of each table of the list travel with it"},
+});
+constexpr Key kObjectType = kKeys[u"ObjectType"];
+constexpr Key kName = kKeys[u"Name"];
+constexpr Key kSchema = kKeys[u"Schema"];
+constexpr Key kWithColumns = kKeys[u"WithColumns"];
+enum class ObjectType { Table, View, AllTables, AllViews, Unknown };
+
 using DataStorages::CatalogColumn;
 using DataStorages::StorageDatabase;
 using DataStorages::TableEntry;
@@ -35,6 +59,8 @@ RowSet Describe(const CatalogColumn& column) {
 
 }  // namespace
 
+KeyList DatabaseMetadata::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
+
 bool DatabaseMetadata::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     Clear();
     columns_of_tables_.clear();
@@ -54,22 +80,27 @@ bool DatabaseMetadata::Open(String& error, const SectionSettings& settings, RowS
 
 bool DatabaseMetadata::Collect(String& error, const SectionSettings& settings,
                                StorageDatabase& database, RowSet& rows) {
-    const String type = settings.Text(u"ObjectType");
-    const bool with_columns = settings.Flag(u"WithColumns", false);
-    if (type == u"Table") return CollectColumns(error, settings, u"table", database, rows);
-    if (type == u"View") return CollectColumns(error, settings, u"view", database, rows);
-    if (type == u"AllTables")
-        return CollectTables(error, TableKind::Tables, with_columns, database, rows);
-    if (type == u"AllViews")
-        return CollectTables(error, TableKind::Views, with_columns, database, rows);
-    error = Format(u"Object type '%s' is not supported yet.", type);
+    const bool with_columns = settings.Flag(kWithColumns);
+    switch (settings.Word(kObjectType, ObjectType::Unknown)) {
+        case ObjectType::Table:
+            return CollectColumns(error, settings, u"table", database, rows);
+        case ObjectType::View:
+            return CollectColumns(error, settings, u"view", database, rows);
+        case ObjectType::AllTables:
+            return CollectTables(error, TableKind::Tables, with_columns, database, rows);
+        case ObjectType::AllViews:
+            return CollectTables(error, TableKind::Views, with_columns, database, rows);
+        case ObjectType::Unknown:
+            break;
+    }
+    error = Format(u"Object type '%s' is not supported yet.", settings.Text(kObjectType));
     return false;
 }
 
 bool DatabaseMetadata::CollectColumns(String& error, const SectionSettings& settings,
                                       StringView kind, StorageDatabase& database, RowSet& rows) {
-    const String name = settings.Text(u"Name");
-    const String schema = settings.Text(u"Schema");
+    const String name = settings.Text(kName);
+    const String schema = settings.Text(kSchema);
     if (name.empty()) {
         error = Format(u"'Name' parameter is mandatory for %s.", kind);
         return false;

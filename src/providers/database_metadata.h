@@ -16,6 +16,8 @@ namespace DataProviders {
 // as the row set's nested row sets: each has the seven columns above and one row.
 class DatabaseMetadata final : public CollectedSource {
 public:
+    static KeyList Keys();
+
     // "The database type or connection type is not supported yet"
     // "'Name' parameter is mandatory for table.", "'Name' parameter is mandatory for view."
     // "Could not retrieve list of columns. Schema='%s',Table='%s'"

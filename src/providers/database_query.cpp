@@ -8,6 +8,34 @@
 namespace DataProviders {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"Query", .meaning = u"the query; macros are replaced in it", .needed = u"query"},
+    {.name = u"QueryFile",
+     .meaning = u"a file that holds the query, where there is no Query",
+     .names = Names::FileRead,
+     .needed = u"query"},
+    {.name = u"TableName",
+     .meaning = u"the table to read, where there is neither",
+     .macros = Macros::Replaced,
+     .names = Names::Table,
+     .needed = u"query"},
+    {.name = u"Table",
+     .meaning = u"the same, where there is no TableName",
+     .macros = Macros::Replaced,
+     .names = Names::Table,
+     .needed = u"query"},
+    {.name = u"EmptyScriptIsNotBug",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"let the database say what is wrong with an empty query file"},
+});
+constexpr Key kQuery = kKeys[u"Query"];
+constexpr Key kQueryFile = kKeys[u"QueryFile"];
+constexpr Key kTableName = kKeys[u"TableName"];
+constexpr Key kTable = kKeys[u"Table"];
+constexpr Key kEmptyScriptIsNotBug = kKeys[u"EmptyScriptIsNotBug"];
+
 bool LoadQueryFile(String& error, const SectionSettings& settings, const String& path,
                    String& query) {
     if (!platform::PathExists(path)) {
@@ -21,7 +49,7 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
         return false;
     }
     query = text::Trim(content, text::kBlanksAndLineEnds);
-    if (query.empty() && !settings.Flag(u"EmptyScriptIsNotBug", false)) {
+    if (query.empty() && !settings.Flag(kEmptyScriptIsNotBug)) {
         error = Format(u"The query file '%s' is empty", path);
         return false;
     }
@@ -30,22 +58,24 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
 
 // The query text from the first of the keys that says something.
 bool ReadQuery(String& error, const SectionSettings& settings, String& query) {
-    query = settings.Text(u"Query");
+    query = settings.Text(kQuery);
     if (!query.empty()) return true;
-    const String path = settings.Text(u"QueryFile");
+    const String path = settings.Text(kQueryFile);
     if (!path.empty()) return LoadQueryFile(error, settings, path, query);
-    String table = settings.ResolvedText(u"TableName");
-    if (table.empty()) table = settings.ResolvedText(u"Table");
+    String table = settings.Text(kTableName);
+    if (table.empty()) table = settings.Text(kTable);
     if (table.empty()) {
         error = u"The database query or table name is not provided.";
         return false;
     }
     query = u"select * from " + table;
-    settings.Set(u"$TABLE$", table);
+    settings.NameTable(table);
     return true;
 }
 
 }  // namespace
+
+KeyList DatabaseQuery::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
 bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     DataStorages::ConnectionSettings connection;

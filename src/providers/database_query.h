@@ -7,6 +7,8 @@ namespace DataProviders {
 // Runs one SQL text against an ODBC data source and delivers its result sets.
 class DatabaseQuery final : public DatabaseSource {
 public:
+    static KeyList Keys();
+
     // "The data source or connection string is not provided."
     // "The database query or table name is not provided."
     // "The query file '%s' does not exist or inaccessible."

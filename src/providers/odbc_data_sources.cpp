@@ -3,16 +3,48 @@
 #include "storages/odbc_database.h"
 
 namespace DataProviders {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"Driver",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"a column with the driver"},
+    {.name = u"User",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"list the names of the user"},
+    {.name = u"System",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"list the names of the machine"},
+    {.name = u"ShowType",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"a column that tells user's from machine's"},
+});
+constexpr Key kDriver = kKeys[u"Driver"];
+constexpr Key kUser = kKeys[u"User"];
+constexpr Key kSystem = kKeys[u"System"];
+constexpr Key kShowType = kKeys[u"ShowType"];
+
+}  // namespace
+
+KeyList ODBCDataSources::Keys() { return {kKeys}; }
 
 using DataStorages::ODBCDatabase;
 using DataStorages::TableEntry;
 
 bool ODBCDataSources::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     Clear();
-    const bool with_driver = settings.Flag(u"Driver", true);
-    const bool of_user = settings.Flag(u"User", true);
-    const bool of_system = settings.Flag(u"System", true);
-    const bool with_type = settings.Flag(u"ShowType", true);
+    const bool with_driver = settings.Flag(kDriver);
+    const bool of_user = settings.Flag(kUser);
+    const bool of_system = settings.Flag(kSystem);
+    const bool with_type = settings.Flag(kShowType);
     const ODBCDatabase database;
     std::vector<TableEntry> sources;
     if (!database.DataSources(error, of_system, of_user, sources)) return false;

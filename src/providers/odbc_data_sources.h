@@ -8,6 +8,8 @@ namespace DataProviders {
 // want them, with `ShowType` their type and with `Driver` their driver.
 class ODBCDataSources final : public CollectedSource {
 public:
+    static KeyList Keys();
+
     // "ODBC subsystem is not initialized properly"
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
 };

@@ -4,12 +4,38 @@
 #include "storages/odbc_database.h"
 
 namespace DataProviders {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"DLLPath",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"a column with the library"},
+    {.name = u"Version",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"a column with the library's version"},
+    {.name = u"Attributes",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"a column with the driver's attributes"},
+});
+constexpr Key kDllPath = kKeys[u"DLLPath"];
+constexpr Key kVersion = kKeys[u"Version"];
+constexpr Key kAttributes = kKeys[u"Attributes"];
+
+}  // namespace
+
+KeyList ODBCDrivers::Keys() { return {kKeys}; }
 
 bool ODBCDrivers::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     Clear();
-    const bool with_library = settings.Flag(u"DLLPath", true);
-    const bool with_version = settings.Flag(u"Version", true);
-    const bool with_attributes = settings.Flag(u"Attributes", true);
+    const bool with_library = settings.Flag(kDllPath);
+    const bool with_version = settings.Flag(kVersion);
+    const bool with_attributes = settings.Flag(kAttributes);
     std::vector<DataStorages::DriverEntry> drivers;
     if (!DataStorages::ODBCDatabase().Drivers(error, drivers)) return false;
     for (const DataStorages::DriverEntry& driver : drivers) {

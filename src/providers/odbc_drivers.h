@@ -8,6 +8,8 @@ namespace DataProviders {
 // far as `DLLPath`, `Version` and `Attributes` want them.
 class ODBCDrivers final : public CollectedSource {
 public:
+    static KeyList Keys();
+
     // "ODBC subsystem is not initialized properly"
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
 };

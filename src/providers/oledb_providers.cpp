@@ -5,6 +5,8 @@
 
 namespace DataProviders {
 
+KeyList OledbProviders::Keys() { return {}; }
+
 bool OledbProviders::Open(String& error, const SectionSettings& /*settings*/, RowSet& rows) {
     Clear();
     std::vector<platform::OledbProvider> providers;

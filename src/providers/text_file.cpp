@@ -10,6 +10,42 @@
 namespace DataProviders {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"Name",
+     .meaning = u"the file; CONSOLE is standard input",
+     .macros = Macros::ByEdition,
+     .names = Names::FileRead,
+     .needed = u"name"},
+    {.name = u"Header",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"the first line holds the names of the columns"},
+    {.name = u"Delimiter",
+     .edition1 = u"tab",
+     .edition2 = u"tab",
+     .meaning = u"what stands between two fields: one character"},
+    {.name = u"Quote",
+     .edition1 = u"\"",
+     .edition2 = u"\"",
+     .meaning = u"the quote of fields; empty for none"},
+    {.name = u"DataTypes",
+     .meaning = u"the types of the columns, with commas: integer, short, number, float, text"},
+    {.name = u"CommentChar", .meaning = u"lines that begin with it are left out"},
+    {.name = u"SkipIncompleteLines",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"leave out lines with fewer fields than columns"},
+});
+constexpr Key kName = kKeys[u"Name"];
+constexpr Key kHeader = kKeys[u"Header"];
+constexpr Key kDelimiter = kKeys[u"Delimiter"];
+constexpr Key kQuote = kKeys[u"Quote"];
+constexpr Key kDataTypes = kKeys[u"DataTypes"];
+constexpr Key kCommentChar = kKeys[u"CommentChar"];
+constexpr Key kSkipIncompleteLines = kKeys[u"SkipIncompleteLines"];
+
 struct ColumnType {
     StringView word;
     StringView type_name;
@@ -39,6 +75,8 @@ char16_t DelimiterOf(StringView setting) {
 
 }  // namespace
 
+KeyList TextFile::Keys() { return {kKeys}; }
+
 bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     if (!OpenInput(error, settings)) return false;
     ReadLayout(settings);
@@ -59,7 +97,7 @@ bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows
 }
 
 bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
-    String name = settings.Text(u"Name");
+    String name = settings.Text(kName);
     if (name.empty()) {
         error = u"'Name' parameter not specified.";
         return false;
@@ -69,7 +107,7 @@ bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
         error = Format(u"File '%s' does not exist or inaccessible.", name);
         return false;
     }
-    settings.ResolveUserMacros(name);
+    settings.ResolveUserMacros(kName, name);
     file_.SetConsoleInput(console);
     ErrorRecord open_error;
     if (file_.OpenForReading(open_error, name)) return true;
@@ -78,17 +116,17 @@ bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
 }
 
 void TextFile::ReadLayout(const SectionSettings& settings) {
-    const String words = settings.Text(u"DataTypes");
+    const String words = settings.Text(kDataTypes);
     std::vector<StringView> fields;
     if (!words.empty()) SplitLine(words, u',', {}, OuterQuotes::Strip, fields);
     type_words_.assign(fields.begin(), fields.end());
-    const String comment = settings.Text(u"CommentChar");
+    const String comment = settings.Text(kCommentChar);
     has_comments_ = !comment.empty();
     if (has_comments_) comment_ = comment.front();
-    skip_incomplete_lines_ = settings.Flag(u"SkipIncompleteLines", true);
-    quote_ = settings.Text(u"Quote", u"\"");
-    header_ = settings.Flag(u"Header", true);
-    delimiter_ = DelimiterOf(settings.Text(u"Delimiter", u"tab"));
+    skip_incomplete_lines_ = settings.Flag(kSkipIncompleteLines);
+    quote_ = settings.Text(kQuote);
+    header_ = settings.Flag(kHeader);
+    delimiter_ = DelimiterOf(settings.Text(kDelimiter));
 }
 
 void TextFile::DescribeColumns(RowSet& rows) const {

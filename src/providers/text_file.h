@@ -11,6 +11,8 @@ namespace DataProviders {
 // Reads a delimited text file, or standard input, as one result set: a row a line.
 class TextFile final : public DataProvider {
 public:
+    static KeyList Keys();
+
     // "'Name' parameter not specified."
     // "File '%s' does not exist or inaccessible."
     // The file layer's messages. Without a first line, where one is needed for the columns, fails

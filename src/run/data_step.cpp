@@ -1,54 +1,78 @@
 #include "run/data_step.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/activity_trail.h"
+#include "base/notices.h"
 #include "core/logger.h"
 #include "files/format.h"
-#include "files/text.h"
 #include "platform/console.h"
+#include "run/logger_console.h"
 #include "run/manager.h"
 
 DataStep::DataStep(Configuration& configuration, std::size_t index, const RunOptions& options,
-                   Quillon::Logger& logger, const platform::Clock& clock)
+                   Quillon::Logger& logger, const Quillon::LoggerConsole& console,
+                   const platform::Clock& clock)
     : configuration_(configuration),
       index_(index),
       options_(options),
       logger_(logger),
+      console_(console),
       clock_(clock),
       source_settings_(configuration, Section::Source),
       target_settings_(configuration, Section::Target) {}
 
 bool DataStep::Run(String& error) {
     if (!DataProviders::DataProvider::Create(error, source_settings_, source_, logger_)) {
-        return GoesOnAfter(error);  // nothing can be moved
+        return GoOnWithout(error);  // nothing can be moved
     }
     if (!PrepareAll(error)) return false;
     const std::uint64_t processing_start_ms = clock_.TickMs();
-    MeasureWidths(error);
-    const String interval =
-        SectionSettings(configuration_, Section::Settings).Text(u"ShowProgress");
-    progress_interval_ =
-        static_cast<std::uint64_t>(std::max<std::int64_t>(text::ToInteger(interval), 0));
-    if (!MoveRows(error)) return false;
+    ReadSettings();
+    if (!MeasureWidths(error) || !MoveRows(error)) return false;
     const std::uint64_t processing_ms = clock_.TickMs() - processing_start_ms;
-    if (target_ && !target_->Close(error)) return Manager::ReportError(error, logger_, {});
-    if (source_) source_->Close();
+    if (!CloseAll(error)) return false;
     if (!options_.silent) WriteStatistics(processing_ms);
     return true;
 }
 
-// ---- Preparation ----
+void DataStep::ReadSettings() {
+    const SectionSettings settings(configuration_, Section::Settings);
+    dot_interval_ =
+        static_cast<std::uint64_t>(std::max<std::int64_t>(settings.Number(kShowProgress), 0));
+    on_read_error_ = settings.Word(kOnReadError, OnReadError::End);
+    const Progress progress = settings.Word(kProgress, Progress::Off);
+    const bool shown = progress == Progress::On ||
+                       (progress == Progress::Auto && platform::StandardErrorIsTerminal());
+    if (shown && !options_.silent) progress_line_.emplace(index_, clock_);
+}
 
-// Reports a failed preparation. True when the run goes on in spite of it; the text is then gone, so
-// that it cannot come back as that of a later failure.
-bool DataStep::GoesOnAfter(String& error) {
+// ---- Failures ----
+
+// Writes a failure, with the place where it happened where the job wants that.
+void DataStep::Report(String& error) {
+    if (progress_line_) progress_line_->Clear();
+    if (configuration_.Follows(Rule::PlacedMessages)) {
+        error.insert(0, FailurePrefix(configuration_, at_work_));
+    }
     Manager::ReportError(error, logger_, {});
-    if (options_.stop_on_error) return false;
+}
+
+bool DataStep::Fail(String& error) {
+    Report(error);
+    return false;
+}
+
+// Reports a failed preparation. True when the step goes on with what it has; the text is then gone,
+// so that it cannot come back as that of a later failure.
+bool DataStep::GoOnWithout(String& error) {
+    Report(error);
+    if (options_.stop_on_error || configuration_.Follows(Rule::FailedStepsCount)) return false;
     error.clear();
     return true;
 }
+
+// ---- Preparation ----
 
 bool DataStep::PrepareAll(String& error) {
     return OpenSource(error) && CreateTarget(error) && CreateTransformers(error) &&
@@ -57,44 +81,52 @@ bool DataStep::PrepareAll(String& error) {
 
 // A source that could not be opened is not used; what else the step has still is.
 bool DataStep::OpenSource(String& error) {
+    at_work_ = {Section::Source};
     if (source_->Open(error, source_settings_, rows_)) return true;
     source_.reset();
-    return GoesOnAfter(error);
+    return GoOnWithout(error);
 }
 
 bool DataStep::CreateTarget(String& error) {
+    at_work_ = {Section::Target};
     return DataConsumers::DataConsumer::Create(error, target_settings_, target_, logger_, index_) ||
-           GoesOnAfter(error);
+           GoOnWithout(error);
 }
 
 bool DataStep::CreateTransformers(String& error) {
     const std::size_t count = configuration_.Step(index_).TransformCount();
     for (std::size_t i = 0; i < count; ++i) {
+        at_work_ = {Section::Transform, i};
         configuration_.SetCurrentTransform(i);
         const SectionSettings settings(configuration_, Section::Transform);
         std::unique_ptr<DataTransformers::DataTransformer> transformer;
         if (DataTransformers::DataTransformer::Create(error, settings, transformer)) {
             transformers_.push_back(std::move(transformer));
-        } else if (!GoesOnAfter(error)) {
+        } else if (!GoOnWithout(error)) {
             return false;
         }
     }
     return true;
 }
 
+// The transformers see the columns between the target's Open and its Prepare, which names them.
 bool DataStep::OpenTarget(String& error) {
     if (!target_) return true;
+    at_work_ = {Section::Target};
+    if (source_) target_->KeepClearOf(source_->InputFile());
     if (!target_->Open(error, target_settings_)) {
         target_.reset();
-        return GoesOnAfter(error) && TransformColumns(error);
+        return GoOnWithout(error) && TransformColumns(error);
     }
     if (!TransformColumns(error)) return false;
-    return target_->Prepare(error, rows_) || GoesOnAfter(error);
+    at_work_ = {Section::Target};
+    return target_->Prepare(error, rows_) || GoOnWithout(error);
 }
 
 bool DataStep::TransformColumns(String& error) {
-    for (const auto& transformer : transformers_) {
-        if (!transformer->Transform(error, rows_) && !GoesOnAfter(error)) return false;
+    for (std::size_t i = 0; i < transformers_.size(); ++i) {
+        at_work_ = {Section::Transform, i};
+        if (!transformers_[i]->Transform(error, rows_) && !GoOnWithout(error)) return false;
     }
     return true;
 }
@@ -104,11 +136,17 @@ bool DataStep::TransformColumns(String& error) {
 // Reads the whole source once, so that fixed-width columns can be lined up, and opens it again. A
 // source that describes its columns anew keeps the widths that were measured, and what the
 // transformers made of the columns.
-void DataStep::MeasureWidths(String& error) {
-    const bool wanted = configuration_.GetBool(Section::Target, u"FixedWidth", false);
-    if (!wanted || !source_ || !source_->CanReopen()) return;
-    String ignored;  // the second reading meets the same failure and tells of it
-    while (source_->Fetch(ignored, rows_, true)) {
+bool DataStep::MeasureWidths(String& error) {
+    const bool wanted = target_ && target_->MeasuresWidths();
+    if (!wanted || !source_ || !source_->CanReopen()) return true;
+    String failure;
+    while (source_->Fetch(failure, rows_, true)) {
+    }
+    measuring_failure_ = failure.empty() ? source_->Loss() : failure;
+    if (!measuring_failure_.empty() && on_read_error_ == OnReadError::Stop) {
+        at_work_ = {Section::Source};
+        error = measuring_failure_;
+        return Fail(error);
     }
     std::vector<ColumnDefinition> measured = rows_.Columns;
     for (ColumnDefinition& column : measured) {
@@ -119,22 +157,53 @@ void DataStep::MeasureWidths(String& error) {
     const std::size_t count = std::min(measured.size(), rows_.Columns.size());
     std::move(measured.begin(), measured.begin() + static_cast<std::ptrdiff_t>(count),
               rows_.Columns.begin());
+    return true;
 }
 
 bool DataStep::MoveRows(String& error) {
     const ScopedState state(u"Main loop");
     do {
-        while (source_ && source_->Fetch(error, rows_, false)) {
-            if (!MoveRow(error)) return Manager::ReportError(error, logger_, {});
+        while (FetchRow(error)) {
+            if (!MoveRow(error)) return Fail(error);
         }
-    } while (NextResultSet(error));
-    return true;
+    } while (!failed_ && NextResultSet(error));
+    return !failed_ || Fail(error);
+}
+
+// Reads the next row; false at the end of a result set, or of all where failed_ says so.
+bool DataStep::FetchRow(String& error) {
+    if (!source_) return false;
+    if (source_->Fetch(error, rows_, false)) {
+        ++rows_read_;
+        return true;
+    }
+    return EndReading(error);
+}
+
+// What a source says that has no further row. Reading that fails fails the step, or ends its rows
+// as if they were all; someone must be able to find out, so then a notice tells of it unless
+// `error` is told anyway. Always false.
+bool DataStep::EndReading(String& error) {
+    if (error.empty() && source_->Loss().empty()) return false;
+    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
+    const bool lost = !source_->Loss().empty();
+    failed_ = lost && (on_read_error_ == OnReadError::Stop || source_->LossFailsStep());
+    if (!lost) return false;
+    if (failed_) {
+        if (error.empty()) error = source_->Loss();
+    } else if (error.empty()) {
+        TellNotice(Format(u"Warning: reading from the database failed: %s\n", source_->Loss()));
+    }
+    return false;
 }
 
 bool DataStep::MoveRow(String& error) {
     if (!TransformRow(error)) return false;
     if (rows_.SkipRow) return true;
-    if (target_ && !target_->Write(error, rows_)) return false;
+    if (target_ && !target_->Write(error, rows_)) {
+        at_work_ = {Section::Target, 0, rows_read_, source_->Line()};
+        return false;
+    }
     ++items_;
     ShowProgress();
     return true;
@@ -142,33 +211,71 @@ bool DataStep::MoveRow(String& error) {
 
 bool DataStep::TransformRow(String& error) {
     rows_.SkipRow = false;
-    for (const auto& transformer : transformers_) {
-        if (!transformer->Transform(error, rows_)) return false;
+    for (std::size_t i = 0; i < transformers_.size(); ++i) {
+        if (!transformers_[i]->Transform(error, rows_)) {
+            at_work_ = {Section::Transform, i, rows_read_, source_->Line()};
+            return false;
+        }
         if (rows_.SkipRow) break;
     }
     return true;
 }
 
-// Moves on to the source's next result set; false at the end. A target that cannot take it says so
-// when it is written to. Reading that ended in a failure is told of here.
+// Moves on to the source's next result set; false at the end, and where moving on has failed.
+// Reading that ended in a failure is told of here.
 bool DataStep::NextResultSet(String& error) {
-    const bool more = source_ && source_->HasMoreData(error, rows_);
-    if (more && target_) {
-        Manager::ReportError(error, logger_, {});  // of the reading that ended the last one
-        error.clear();
-        if (target_->NextResultSet(error, target_settings_)) target_->Prepare(error, rows_);
-        Manager::ReportError(error, logger_, {});
-    } else if (!error.empty()) {
-        Manager::ReportError(error, logger_, u"HasMoreData: " + error);
-    }
+    String set_error = std::move(error);
     error.clear();
+    const bool more = source_ && source_->HasMoreData(set_error, rows_);
+    if (source_ && !more) EndReading(set_error);
+    if (failed_) {
+        error = std::move(set_error);
+        return false;
+    }
+    if (more && target_) {
+        Manager::ReportError(set_error, logger_, {});  // of the reading that ended the last one
+        return BeginNextResultSet(error);
+    }
+    if (!set_error.empty()) {
+        Manager::ReportError(set_error, logger_, u"HasMoreData: " + set_error);
+    } else if (!more && !measuring_failure_.empty()) {
+        // The second reading did not meet it, so nobody else tells.
+        Manager::ReportError(set_error, logger_, u"HasMoreData: " + measuring_failure_);
+    }
     return more;
 }
 
-void DataStep::ShowProgress() const {
-    if (options_.silent || progress_interval_ == 0 || items_ % progress_interval_ != 0) return;
-    constexpr std::array<std::byte, 1> kDot{std::byte{'.'}};
-    platform::WriteStandardOutput(kDot);
+// Lets the target go on. One that cannot says so when it is written to, or fails the step at once.
+bool DataStep::BeginNextResultSet(String& error) {
+    const bool fails = configuration_.Follows(Rule::NextSetMustBegin);
+    at_work_ = {Section::Target};
+    const bool wants_columns = target_->NextResultSet(error, target_settings_);
+    const bool begun = wants_columns ? target_->Prepare(error, rows_) : error.empty();
+    if (begun) return true;
+    if (fails) {
+        failed_ = true;
+        return false;
+    }
+    Manager::ReportError(error, logger_, {});
+    error.clear();
+    return true;
+}
+
+bool DataStep::CloseAll(String& error) {
+    if (progress_line_) progress_line_->Clear();
+    at_work_ = {Section::Target};
+    if (target_ && !target_->Close(error)) return Fail(error);
+    if (source_) source_->Close();
+    return true;
+}
+
+// ---- Telling ----
+
+void DataStep::ShowProgress() {
+    if (dot_interval_ != 0 && !options_.silent && items_ % dot_interval_ == 0) console_.Show(u".");
+    if (!progress_line_ || !progress_line_->IsDue(items_)) return;
+    const bool in_bytes = target_ && target_->WritesBytes();
+    progress_line_->Tell(items_, in_bytes ? target_->WrittenSize() : 0, source_->ReadShare());
 }
 
 // The total counts from the start of the run, so it is cumulative over the steps.

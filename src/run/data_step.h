@@ -3,19 +3,24 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/strings.h"
 #include "config/configuration.h"
+#include "config/job_keys.h"
 #include "config/section_settings.h"
 #include "consumers/data_consumer.h"
 #include "core/row_set.h"
 #include "platform/clock.h"
 #include "providers/data_provider.h"
+#include "run/progress_line.h"
+#include "run/step_place.h"
 #include "transformers/data_transformer.h"
 
 namespace Quillon {
 class Logger;
+class LoggerConsole;
 }
 
 // What a step needs to know of the run that it belongs to.
@@ -28,44 +33,61 @@ struct RunOptions {
 // Moves the data of one step: source, transformers, target.
 class DataStep {
 public:
-    // index: of the step, from 0. All references outlive the step.
+    // index: of the step, from 0. console: takes the progress dots. All references outlive the
+    // step.
     DataStep(Configuration& configuration, std::size_t index, const RunOptions& options,
-             Quillon::Logger& logger, const platform::Clock& clock);
+             Quillon::Logger& logger, const Quillon::LoggerConsole& console,
+             const platform::Clock& clock);
 
-    // Runs the step whole and writes its statistics. False when it ended the run; the failure has
-    // then been written through the logger.
+    // Runs the step whole and writes its statistics. False when it failed as a whole; the failure
+    // has then been written through the logger.
     bool Run(String& error);
 
 private:
+    void ReadSettings();
     bool PrepareAll(String& error);
     bool OpenSource(String& error);
     bool CreateTarget(String& error);
     bool CreateTransformers(String& error);
     bool OpenTarget(String& error);
     bool TransformColumns(String& error);
-    bool GoesOnAfter(String& error);
+    bool CloseAll(String& error);
 
-    void MeasureWidths(String& error);
+    bool MeasureWidths(String& error);
     bool MoveRows(String& error);
+    bool FetchRow(String& error);
     bool MoveRow(String& error);
     bool NextResultSet(String& error);
+    bool BeginNextResultSet(String& error);
     bool TransformRow(String& error);
-    void ShowProgress() const;
+    bool EndReading(String& error);
+
+    void Report(String& error);
+    bool GoOnWithout(String& error);
+    bool Fail(String& error);
+    void ShowProgress();
     void WriteStatistics(std::uint64_t processing_ms) const;
 
     Configuration& configuration_;
     const std::size_t index_;
     const RunOptions options_;
     Quillon::Logger& logger_;
+    const Quillon::LoggerConsole& console_;
     const platform::Clock& clock_;
     const SectionSettings source_settings_;
     const SectionSettings target_settings_;
-    std::uint64_t progress_interval_ = 0;  // rows between two dots, 0 for none
+    OnReadError on_read_error_ = OnReadError::End;
+    std::uint64_t dot_interval_ = 0;  // rows between two dots, 0 for none
+    std::optional<ProgressLine> progress_line_;
 
     // Destroyed from the last to the first.
     RowSet rows_;
     std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
     std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
     std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
+    StepRole at_work_;              // for the message of a failure
+    String measuring_failure_;      // what ended the reading that measured widths, if it failed
+    bool failed_ = false;           // reading or going on has failed the step
+    std::uint64_t rows_read_ = 0;
     std::uint64_t items_ = 0;
 };

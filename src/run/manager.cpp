@@ -1,13 +1,31 @@
 #include "run/manager.h"
 
+#include <algorithm>
+
 #include "base/activity_trail.h"
+#include "base/notices.h"
+#include "config/job_keys.h"
 #include "config/section_settings.h"
+#include "config/switches.h"
 #include "files/format.h"
+#include "platform/console.h"
 #include "platform/file_system.h"
 #include "run/banner.h"
+#include "run/check_run.h"
 #include "run/data_step.h"
 #include "run/logger_file.h"
+#include "run/step_place.h"
+#include "run/step_selection.h"
 #include "system/system_step.h"
+
+namespace {
+
+template <class Words>
+Words GlobalWord(const Configuration& configuration, Key key) {
+    return static_cast<Words>(configuration.Word(Section::Globals, key).value_or(0));
+}
+
+}  // namespace
 
 bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView message) {
     if (!message.empty()) error = message;
@@ -16,26 +34,51 @@ bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView mes
     return false;
 }
 
+// The edition and the stream of messages are settled before the banner, which is the first message.
+// A mask for what the command line and the reading of the job may tell comes next, and the one that
+// knows all of the job's secrets as soon as the job has been read.
 bool Manager::Run(String& error, Configuration& configuration) {
     const ScopedState state(u"Manager::Run");
-    silent_ = configuration.GetBool(Section::CommandLine, u"-silent", false);
+    const String default_path = configuration.ProgramDirectory() + u"quillon.qpr";
+    const String given_path = configuration.Text(Section::CommandLine, kConfigSwitch);
+    const String& path = configuration.CommandLine().Find(kConfigSwitch->name) ? given_path
+                                                                              : default_path;
+    const bool settled = configuration.Settle(error, path);
+    silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
+    const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
+    console_ = Quillon::LoggerConsole(to_error ? Quillon::LoggerConsole::Stream::Error
+                                               : Quillon::LoggerConsole::Stream::Output);
+    mask_ = SecretMask(configuration);
+    const NoticeReceiver notices([this](StringView text, NoticeStream stream) {
+        const String masked = mask_.Masked(text);
+        if (stream == NoticeStream::Output) {
+            platform::WriteOutputText(masked);
+        } else {
+            platform::WriteErrorText(masked);
+        }
+    });
     String ignored;
     if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
-    if (!LoadJob(error, configuration)) return false;
-    if (!configuration.GetValue(Section::CommandLine, u"-Q", Quotes::Keep).empty()) {
-        configuration.Print(ignored, console_logger_);
+    if (!settled) return ReportError(error, console_logger_, {});
+    if (!LoadJob(error, configuration, path)) return false;
+    mask_ = SecretMask(configuration);
+    if (!ExamineCommandLine(error, configuration)) return false;
+    if (configuration.CommandLine().Find(kCheckSwitch->name) != nullptr) {
+        return Check(error, configuration);
     }
-    stop_on_error_ = Configuration::GetBool(configuration.Globals(), u"StopOnError", true);
-    run_start_ms_ = clock_.TickMs();
-    for (std::size_t i = 0; i < configuration.StepCount(); ++i) {
-        if (!RunStep(error, configuration, i)) return false;
+    if (!configuration.Text(Section::CommandLine, kListSwitch).empty()) {
+        configuration.Print(ignored, console_logger_,
+                            [this](Section section, const ParameterSet::Element& element) {
+                                return mask_.ShownValue(section, element);
+                            });
     }
-    return true;
+    if (!TellFindings(error, configuration, CheckJob(configuration, CheckDepth::Refusals))) {
+        return false;
+    }
+    return RunSteps(error, configuration);
 }
 
-bool Manager::LoadJob(String& error, Configuration& configuration) {
-    const String path = configuration.GetValue(Section::CommandLine, u"-config", Quotes::Strip,
-                                               configuration.ProgramDirectory() + u"quillon.qpr");
+bool Manager::LoadJob(String& error, Configuration& configuration, const String& path) {
     if (platform::PathExists(path)) {
         return configuration.Read(error, path) || ReportError(error, console_logger_, {});
     }
@@ -47,45 +90,105 @@ bool Manager::LoadJob(String& error, Configuration& configuration) {
                path));
 }
 
+bool Manager::ExamineCommandLine(String& error, Configuration& configuration) {
+    std::vector<Finding> findings = CheckSwitches(configuration);
+    std::vector<std::size_t> steps;
+    if (!SelectSteps(error, configuration, steps)) findings.push_back({{}, true, error});
+    error.clear();
+    refused_command_line_ = !TellFindings(error, configuration, findings);
+    return !refused_command_line_;
+}
+
+// True when none of the findings is an error.
+bool Manager::TellFindings(String& error, const Configuration& configuration,
+                           const std::vector<Finding>& findings) {
+    String ignored;
+    for (const Finding& finding : findings) {
+        console_logger_.Write(ignored, ShownFinding(configuration, finding), 0);
+    }
+    const auto errors = std::count_if(findings.begin(), findings.end(),
+                                      [](const Finding& finding) { return finding.error; });
+    if (errors == 0) return true;
+    error = Format(u"The job has mistakes: %u.", errors);
+    return false;
+}
+
+bool Manager::Check(String& error, Configuration& configuration) {
+    std::vector<Finding> findings = CheckJob(configuration, CheckDepth::Whole);
+    if (configuration.Word(Section::CommandLine, kCheckSwitch) == kCheckConnect) {
+        CheckConnections(configuration, findings);
+    }
+    return TellFindings(error, configuration, findings);
+}
+
+bool Manager::RunSteps(String& error, Configuration& configuration) {
+    stop_on_error_ = configuration.Flag(Section::Globals, kStopOnError);
+    run_start_ms_ = clock_.TickMs();
+    std::vector<std::size_t> steps;
+    SelectSteps(error, configuration, steps);
+    for (const std::size_t index : steps) {
+        if (!RunStep(error, configuration, index)) return false;
+    }
+    return failed_steps_.empty() || TellFailedSteps(error);
+}
+
+bool Manager::TellFailedSteps(String& error) {
+    String numbers;
+    for (const std::size_t index : failed_steps_) {
+        numbers += Format(u"%s%u", numbers.empty() ? u"" : u", ", index + 1);
+    }
+    return ReportError(error, *active_logger_, Format(u"Failed steps: %s.", numbers));
+}
+
 bool Manager::RunStep(String& error, Configuration& configuration, std::size_t index) {
     configuration.SetCurrentStep(index);
     if (!configuration.AdditonalCmdLine(error, index)) {
         return ReportError(error, console_logger_, {});
     }
     if (!OpenStepLog(error, configuration)) return false;
+    bool done = false;
     if (!configuration.Step(index).List(Section::System).Empty()) {
-        return RunSystemSection(error, configuration);
+        done = RunSystemSection(error, configuration);
+    } else {
+        const RunOptions options{silent_, stop_on_error_, run_start_ms_};
+        done = DataStep(configuration, index, options, *active_logger_, console_, clock_).Run(error);
     }
-    const RunOptions options{silent_, stop_on_error_, run_start_ms_};
-    return DataStep(configuration, index, options, *active_logger_, clock_).Run(error);
+    // A failure that counts is remembered, so that the run does not end as if there were none.
+    if (done || stop_on_error_ || !configuration.Follows(Rule::FailedStepsCount)) return done;
+    failed_steps_.push_back(index);
+    error.clear();
+    return true;
 }
 
 bool Manager::OpenStepLog(String& error, const Configuration& configuration) {
-    log_file_name_ = configuration.GetValue(Section::CommandLine, u"-Log", Quotes::Strip);
-    String step_log_name =
-        configuration.GetValue(Section::Settings, u"Log", Quotes::Strip, log_file_name_);
-    configuration.ResolveAllMacros(step_log_name);
-    const bool overwrite = configuration.GetBool(Section::Settings, u"Overwrite", false);
+    log_file_name_ = configuration.Text(Section::CommandLine, kLogSwitch);
+    const String step_log_name = configuration.Text(Section::Settings, kLog);
+    const bool overwrite = configuration.Flag(Section::Settings, kLogOverwrite);
     return OpenLog(error, step_log_name, overwrite);
 }
 
 bool Manager::OpenLog(String& error, const String& step_log_name, bool overwrite) {
     if (log_file_name_.empty()) log_file_name_ = step_log_name;
-    if (active_logger_) active_logger_->Close();
+    active_logger_.reset();
+    if (step_log_) step_log_->Close();
     if (log_file_name_.empty()) {
-        active_logger_ = std::make_unique<Quillon::LoggerConsole>();
-        return true;
+        step_log_ = std::make_unique<Quillon::LoggerConsole>(console_);
+    } else {
+        step_log_ = std::make_unique<Quillon::LoggerFile>(clock_);
     }
-    active_logger_ = std::make_unique<Quillon::LoggerFile>(clock_);
-    if (active_logger_->Open(error, log_file_name_, overwrite)) return true;
+    active_logger_ = std::make_unique<Quillon::LoggerMasked>(*step_log_, mask_);
+    if (log_file_name_.empty() || step_log_->Open(error, log_file_name_, overwrite)) return true;
     error = Format(u"Could not open log file '%s' for writing [%s].", log_file_name_, error);
     return false;
 }
 
 bool Manager::RunSystemSection(String& error, Configuration& configuration) {
     if (RunSystemStep(error, SectionSettings(configuration, Section::System))) return true;
+    if (configuration.Follows(Rule::PlacedMessages)) {
+        error.insert(0, FailurePrefix(configuration, {Section::System}));
+    }
     ReportError(error, *active_logger_, {});
-    if (stop_on_error_) return false;
+    if (stop_on_error_ || configuration.Follows(Rule::FailedStepsCount)) return false;
     error.clear();
     return true;
 }

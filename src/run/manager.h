@@ -2,11 +2,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "base/strings.h"
+#include "check/job_check.h"
+#include "check/secret_mask.h"
 #include "config/configuration.h"
 #include "platform/clock.h"
 #include "run/logger_console.h"
+#include "run/logger_masked.h"
 
 // Runs a job: banner, job file, then its steps one after another.
 class Manager {
@@ -18,7 +22,12 @@ public:
     // failures have been written through a logger, except that of opening a step's log.
     // "Could not find or load configuration file '%s'. Use -config command line switch to define
     // it. Default name is 'quillon.qpr'."
+    // "The job has mistakes: %u." behind its findings
+    // "Failed steps: %s." where the run went on behind failed steps
     bool Run(String& error, Configuration& configuration);
+
+    // True when Run failed because of the command line itself.
+    bool RefusedCommandLine() const { return refused_command_line_; }
 
     // Makes the logger of a step: a file when a name is in force, else the console. A "-Log" name
     // wins over the step's.
@@ -31,16 +40,27 @@ public:
     static bool ReportError(String& error, Quillon::Logger& logger, StringView message);
 
 private:
-    bool LoadJob(String& error, Configuration& configuration);
+    bool LoadJob(String& error, Configuration& configuration, const String& path);
+    bool ExamineCommandLine(String& error, Configuration& configuration);
+    bool TellFindings(String& error, const Configuration& configuration,
+                      const std::vector<Finding>& findings);
+    bool Check(String& error, Configuration& configuration);
+    bool RunSteps(String& error, Configuration& configuration);
     bool RunStep(String& error, Configuration& configuration, std::size_t index);
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
+    bool TellFailedSteps(String& error);
 
     const platform::Clock& clock_;
     bool silent_ = false;
     bool stop_on_error_ = true;
+    bool refused_command_line_ = false;
     std::uint64_t run_start_ms_ = 0;
     String log_file_name_;
-    Quillon::LoggerConsole console_logger_;
-    std::unique_ptr<Quillon::Logger> active_logger_;
+    SecretMask mask_;
+    Quillon::LoggerConsole console_;
+    Quillon::LoggerMasked console_logger_{console_, mask_};
+    std::unique_ptr<Quillon::Logger> step_log_;  // what a step's messages are written through
+    std::unique_ptr<Quillon::LoggerMasked> active_logger_;  // the same, secrets hidden
+    std::vector<std::size_t> failed_steps_;                 // positions from 0
 };

@@ -1,13 +1,42 @@
 #include "storages/connection_settings.h"
 
 namespace DataStorages {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"DSN",
+     .meaning = u"the data source name, or a connect string",
+     .macros = Macros::Replaced,
+     .names = Names::DataSource,
+     .needed = u"data source"},
+    {.name = u"ConnectString",
+     .meaning = u"the connect string, where there is no DSN",
+     .macros = Macros::Replaced,
+     .names = Names::DataSource,
+     .needed = u"data source"},
+    {.name = u"Login", .meaning = u"the user, for a data source name", .macros = Macros::ByEdition},
+    {.name = u"User", .meaning = u"the same, where there is no Login", .macros = Macros::ByEdition},
+    {.name = u"Password",
+     .meaning = u"the password, for a data source name",
+     .macros = Macros::ByEdition,
+     .names = Names::Secret},
+});
+constexpr Key kDsn = kKeys[u"DSN"];
+constexpr Key kConnectString = kKeys[u"ConnectString"];
+constexpr Key kLogin = kKeys[u"Login"];
+constexpr Key kUser = kKeys[u"User"];
+constexpr Key kPassword = kKeys[u"Password"];
+
+}  // namespace
+
+KeySpan ConnectionSettings::Keys() { return kKeys; }
 
 bool ConnectionSettings::Read(const SectionSettings& settings) {
-    source = settings.ResolvedText(u"DSN");
-    if (source.empty()) source = settings.ResolvedText(u"ConnectString");
-    login = settings.Text(u"Login");
-    if (login.empty()) login = settings.Text(u"User");  // where the -Login switch puts it
-    password = settings.Text(u"Password");
+    source = settings.Text(kDsn);
+    if (source.empty()) source = settings.Text(kConnectString);
+    login = settings.Text(kLogin);
+    if (login.empty()) login = settings.Text(kUser);  // where the -Login switch puts it
+    password = settings.Text(kPassword);
     return !source.empty();
 }
 

@@ -14,6 +14,9 @@ struct ConnectionSettings {
     // Reads `DSN`, or where it is empty `ConnectString`, with their macros replaced; `Login`, or
     // where it is empty "User"; and `Password`. False when no source is named.
     bool Read(const SectionSettings& settings);
+
+    // The keys above, for the lists of those who read them.
+    static KeySpan Keys();
 };
 
 }  // namespace DataStorages

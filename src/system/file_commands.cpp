@@ -1,5 +1,6 @@
 #include "system/file_commands.h"
 
+#include "config/encoding_setting.h"
 #include "files/dfile.h"
 #include "files/format.h"
 #include "platform/file_commands.h"
@@ -9,6 +10,83 @@ namespace {
 
 // What the shell's lists of names hold.
 constexpr std::size_t kLongestFolderName = 259;
+
+constexpr KeyTable kFileNameKeys({
+    {.name = u"From",
+     .meaning = u"the file",
+     .macros = Macros::Replaced,
+     .names = Names::FileRead,
+     .needed = u"from"},
+    {.name = u"To",
+     .meaning = u"its new name",
+     .macros = Macros::Replaced,
+     .names = Names::File,
+     .needed = u"to"},
+});
+constexpr KeyTable kFolderNameKeys({
+    {.name = u"From",
+     .meaning = u"the folder",
+     .macros = Macros::Replaced,
+     .names = Names::Folder,
+     .needed = u"from"},
+    {.name = u"To",
+     .meaning = u"its new name",
+     .macros = Macros::Replaced,
+     .names = Names::File,
+     .needed = u"to"},
+});
+constexpr Key kFromFile = kFileNameKeys[u"From"];
+constexpr Key kToFile = kFileNameKeys[u"To"];
+constexpr Key kFromFolder = kFolderNameKeys[u"From"];
+constexpr Key kToFolder = kFolderNameKeys[u"To"];
+
+constexpr KeyTable kDeleteFileKeys({
+    {.name = u"File",
+     .meaning = u"the file",
+     .macros = Macros::Replaced,
+     .names = Names::FileRead,
+     .needed = u"file"},
+});
+constexpr Key kDeletedFile = kDeleteFileKeys[u"File"];
+
+constexpr KeyTable kDeleteFolderKeys({
+    {.name = u"Folder",
+     .meaning = u"the folder, with everything in it",
+     .macros = Macros::Replaced,
+     .names = Names::Folder,
+     .needed = u"folder"},
+});
+constexpr Key kDeletedFolder = kDeleteFolderKeys[u"Folder"];
+
+constexpr KeyTable kWriteFileKeys({
+    {.name = u"File",
+     .meaning = u"the file",
+     .macros = Macros::Replaced,
+     .names = Names::File,
+     .needed = u"file"},
+    {.name = u"Text",
+     .meaning = u"what becomes a line of it",
+     .macros = Macros::Replaced,
+     .needed = u"text"},
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"start the file empty",
+     .macros = Macros::Replaced},
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"ANSI",
+     .meaning = u"of a new file",
+     .macros = Macros::Replaced,
+     .loose_words = kLooseEncodingWords},
+});
+constexpr Key kWrittenFile = kWriteFileKeys[u"File"];
+constexpr Key kWrittenText = kWriteFileKeys[u"Text"];
+constexpr Key kWriteOverwrite = kWriteFileKeys[u"Overwrite"];
+constexpr Key kWriteEncoding = kWriteFileKeys[u"Encoding"];
 
 bool IsTooLong(const String& name) { return name.size() > kLongestFolderName; }
 
@@ -23,35 +101,35 @@ bool Told(String& error, bool done, StringView prefix, const ErrorRecord& reason
 }
 
 // The names of a copy or a move.
-struct Names {
+struct PathNames {
     String from;
     String to;
 
-    explicit Names(const SectionSettings& settings)
-        : from(settings.ResolvedText(u"From")), to(settings.ResolvedText(u"To")) {}
+    PathNames(const SectionSettings& settings, Key from_key, Key to_key)
+        : from(settings.Text(from_key)), to(settings.Text(to_key)) {}
     bool Complete() const { return !from.empty() && !to.empty(); }
     bool TooLong() const { return IsTooLong(from) || IsTooLong(to); }
 };
 
 // Puts what was to be done behind the system's text.
 bool Told(String& error, bool done, const ErrorRecord& reason, StringView verb,
-          const Names& names) {
+          const PathNames& names) {
     return done ||
            Refuse(error, reason.text, Format(u" %s '%s' to '%s'", verb, names.from, names.to));
 }
 
-bool Move(String& error, const Names& names) {
+bool Move(String& error, const PathNames& names) {
     ErrorRecord reason;
     return Told(error, platform::MovePath(reason, names.from, names.to), reason, u"Move", names);
 }
 
-bool CheckFileNames(String& error, const Names& names, StringView prefix) {
+bool CheckFileNames(String& error, const PathNames& names, StringView prefix) {
     if (!names.Complete()) return Refuse(error, prefix, u"from or to file name is empty.");
     return platform::PathExists(names.from) ||
            Refuse(error, prefix, u"source file does not exist.");
 }
 
-bool CheckFolderNames(String& error, const Names& names, StringView prefix) {
+bool CheckFolderNames(String& error, const PathNames& names, StringView prefix) {
     if (!names.Complete()) return Refuse(error, prefix, u"from or to folder name is empty.");
     return !names.TooLong() || Refuse(error, prefix, u"name is too long");
 }
@@ -74,8 +152,14 @@ bool IsProtected(const String& folder) {
 
 }  // namespace
 
+KeyList FileNameKeys() { return {kFileNameKeys}; }
+KeyList FolderNameKeys() { return {kFolderNameKeys}; }
+KeyList DeleteFileKeys() { return {kDeleteFileKeys}; }
+KeyList DeleteFolderKeys() { return {kDeleteFolderKeys}; }
+KeyList WriteFileKeys() { return {kWriteFileKeys}; }
+
 bool CopyFileCommand(String& error, const SectionSettings& settings) {
-    const Names names(settings);
+    const PathNames names(settings, kFromFile, kToFile);
     if (!CheckFileNames(error, names, u"Copy File: ")) return false;
     ErrorRecord reason;
     const bool copied = platform::CopyOneFile(reason, names.from, names.to);
@@ -83,12 +167,12 @@ bool CopyFileCommand(String& error, const SectionSettings& settings) {
 }
 
 bool MoveFileCommand(String& error, const SectionSettings& settings) {
-    const Names names(settings);
+    const PathNames names(settings, kFromFile, kToFile);
     return CheckFileNames(error, names, u"Move File: ") && Move(error, names);
 }
 
 bool CopyFolderCommand(String& error, const SectionSettings& settings) {
-    const Names names(settings);
+    const PathNames names(settings, kFromFolder, kToFolder);
     if (!CheckFolderNames(error, names, u"Copy Folder: ")) return false;
     if (platform::IsWithin(names.to, names.from)) {
         return Refuse(error, u"CopyFolder: ", u"the target is within the source");
@@ -99,12 +183,12 @@ bool CopyFolderCommand(String& error, const SectionSettings& settings) {
 }
 
 bool MoveFolderCommand(String& error, const SectionSettings& settings) {
-    const Names names(settings);
+    const PathNames names(settings, kFromFolder, kToFolder);
     return CheckFolderNames(error, names, u"Move Folder: ") && Move(error, names);
 }
 
 bool DeleteFileCommand(String& error, const SectionSettings& settings) {
-    const String file = settings.ResolvedText(u"File");
+    const String file = settings.Text(kDeletedFile);
     if (file.empty()) return Refuse(error, u"Delete file: ", u"file name is empty.");
     if (!platform::PathExists(file)) {
         error = Format(u"Delete File: source file '%s' does not exist.", file);
@@ -116,7 +200,7 @@ bool DeleteFileCommand(String& error, const SectionSettings& settings) {
 
 bool DeleteFolderCommand(String& error, const SectionSettings& settings) {
     constexpr StringView kPrefix = u"DeleteFolder: ";
-    const String folder = WithoutEndSeparators(settings.ResolvedText(u"Folder"));
+    const String folder = WithoutEndSeparators(settings.Text(kDeletedFolder));
     if (folder.empty()) return Refuse(error, u"Delete folder: ", u"folder name is empty.");
     if (IsTooLong(folder)) return Refuse(error, kPrefix, u"name is too long");
     if (!platform::IsFolder(folder)) {
@@ -130,10 +214,10 @@ bool DeleteFolderCommand(String& error, const SectionSettings& settings) {
 }
 
 bool WriteFileCommand(String& error, const SectionSettings& settings) {
-    const String name = settings.ResolvedText(u"File");
-    const String text = settings.ResolvedText(u"Text");
-    const bool overwrite = settings.Flag(u"Overwrite", false);
-    const Encoding encoding = EncodingFromWord(settings.ResolvedText(u"Encoding"));
+    const String name = settings.Text(kWrittenFile);
+    const String text = settings.Text(kWrittenText);
+    const bool overwrite = settings.Flag(kWriteOverwrite);
+    const Encoding encoding = ReadEncoding(settings, kWriteEncoding);
     if (name.empty() || text.empty()) {
         return Refuse(error, u"Write File: ", u"file name or text is empty.");
     }

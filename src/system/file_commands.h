@@ -6,6 +6,13 @@
 #include "base/strings.h"
 #include "config/section_settings.h"
 
+// The keys of the commands.
+KeyList FileNameKeys();
+KeyList FolderNameKeys();
+KeyList DeleteFileKeys();
+KeyList DeleteFolderKeys();
+KeyList WriteFileKeys();
+
 // `From`, `To`. A file that is there under the new name is replaced.
 // "Copy File: from or to file name is empty."
 // "Copy File: source file does not exist."

@@ -12,19 +12,30 @@ using Command = bool (*)(String& error, const SectionSettings& settings);
 struct CommandWord {
     StringView word;
     Command run;
+    KeyList (*keys)();
 };
 
 constexpr CommandWord kCommands[] = {
-    {u"CopyFile", CopyFileCommand},     {u"MoveFile", MoveFileCommand},
-    {u"CopyFolder", CopyFolderCommand}, {u"MoveFolder", MoveFolderCommand},
-    {u"DeleteFile", DeleteFileCommand}, {u"DeleteFolder", DeleteFolderCommand},
-    {u"WriteFile", WriteFileCommand},   {u"HttpCall", HttpCall},
+    {u"CopyFile", CopyFileCommand, FileNameKeys},
+    {u"MoveFile", MoveFileCommand, FileNameKeys},
+    {u"CopyFolder", CopyFolderCommand, FolderNameKeys},
+    {u"MoveFolder", MoveFolderCommand, FolderNameKeys},
+    {u"DeleteFile", DeleteFileCommand, DeleteFileKeys},
+    {u"DeleteFolder", DeleteFolderCommand, DeleteFolderKeys},
+    {u"WriteFile", WriteFileCommand, WriteFileKeys},
+    {u"HttpCall", HttpCall, HttpCallKeys},
 };
 
 }  // namespace
 
+std::vector<TypeEntry> SystemCommands() {
+    std::vector<TypeEntry> commands;
+    for (const CommandWord& command : kCommands) commands.push_back({command.word, command.keys});
+    return commands;
+}
+
 bool RunSystemStep(String& error, const SectionSettings& settings) {
-    const String word = settings.ResolvedText(u"Command");
+    const String word = settings.Text(kCommand);
     for (const CommandWord& command : kCommands) {
         if (text::EqualsIgnoringCase(word, command.word)) return command.run(error, settings);
     }

@@ -11,6 +11,11 @@ namespace {
 
 constexpr StringView kUnquotedTypes[] = {u"integer", u"number", u"numeric", u"short"};
 
+constexpr KeyTable kKeys({
+    {.name = u"NewType", .meaning = u"the new name of the column's type", .needed = u"type"},
+});
+constexpr Key kNewType = kKeys[u"NewType"];
+
 bool IsUnquoted(StringView type) {
     return std::any_of(std::begin(kUnquotedTypes), std::end(kUnquotedTypes),
                        [&](StringView word) { return text::EqualsIgnoringCase(type, word); });
@@ -18,10 +23,12 @@ bool IsUnquoted(StringView type) {
 
 }  // namespace
 
+KeyList ChangeDataType::Keys() { return {kColumnKeys, kKeys}; }
+
 bool ChangeDataType::Configure(String& error, const SectionSettings& settings) {
     first_call_ = true;
-    return ReadColumn(error, settings, kChangeDataType, position_) &&
-           ReadRequired(error, settings, kChangeDataType, u"NewType", new_type_);
+    return ReadColumn(error, settings, kChangeDataType, kApplyToColumn, position_) &&
+           ReadRequired(error, settings, kChangeDataType, kNewType, new_type_);
 }
 
 bool ChangeDataType::Transform(String& /*error*/, RowSet& rows) {

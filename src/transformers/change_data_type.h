@@ -9,6 +9,7 @@ namespace DataTransformers {
 // type code and the values stay as they are.
 class ChangeDataType final : public DataTransformer {
 public:
+    static KeyList Keys();
     bool Configure(String& error, const SectionSettings& settings) override;
     bool Transform(String& error, RowSet& rows) override;
 

@@ -7,11 +7,11 @@
 
 namespace DataTransformers {
 
-bool ReadRequired(String& error, const SectionSettings& settings, StringView transformer,
-                  StringView name, String& value) {
-    value = settings.Text(name);
+bool ReadRequired(String& error, const SectionSettings& settings, StringView transformer, Key key,
+                  String& value) {
+    value = settings.Text(key);
     if (!value.empty()) return true;
-    error = Format(u"%s transformer: No '%s' parameter provided.", transformer, name);
+    error = Format(u"%s transformer: No '%s' parameter provided.", transformer, key->name);
     return false;
 }
 
@@ -28,10 +28,10 @@ bool ReadColumnNumber(String& error, StringView transformer, StringView number,
     return true;
 }
 
-bool ReadColumn(String& error, const SectionSettings& settings, StringView transformer,
+bool ReadColumn(String& error, const SectionSettings& settings, StringView transformer, Key key,
                 std::size_t& position) {
     String number;
-    return ReadRequired(error, settings, transformer, u"ApplyTo", number) &&
+    return ReadRequired(error, settings, transformer, key, number) &&
            ReadColumnNumber(error, transformer, number, position);
 }
 

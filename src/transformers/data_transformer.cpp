@@ -1,7 +1,6 @@
 #include "transformers/data_transformer.h"
 
 #include "base/activity_trail.h"
-#include "core/type_table.h"
 #include "files/format.h"
 #include "transformers/change_data_type.h"
 #include "transformers/remove_column.h"
@@ -12,18 +11,20 @@ namespace DataTransformers {
 namespace {
 
 constexpr TypeWord<DataTransformer> kTypes[] = {
-    {u"RemoveColumn", MakeOf<DataTransformer, RemoveColumn>},
-    {u"RenameColumn", MakeOf<DataTransformer, RenameColumn>},
-    {u"ReplaceString", MakeOf<DataTransformer, ReplaceString>},
-    {u"ChangeDataType", MakeOf<DataTransformer, ChangeDataType>},
+    RowOf<DataTransformer, RemoveColumn>(u"RemoveColumn"),
+    RowOf<DataTransformer, RenameColumn>(u"RenameColumn"),
+    RowOf<DataTransformer, ReplaceString>(u"ReplaceString"),
+    RowOf<DataTransformer, ChangeDataType>(u"ChangeDataType"),
 };
 
 }  // namespace
 
+std::vector<TypeEntry> DataTransformer::Types() { return EntriesOf(kTypes); }
+
 bool DataTransformer::Create(String& error, const SectionSettings& settings,
                              std::unique_ptr<DataTransformer>& transformer) {
     const ScopedState state(u"DataTransformer::Create");
-    const String word = settings.Text(u"Type");
+    const String word = settings.Text(kType);
     std::unique_ptr<DataTransformer> made = MakeByWord(kTypes, word);
     if (made) {
         transformer = std::move(made);

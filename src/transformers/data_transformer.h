@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "base/strings.h"
 #include "config/section_settings.h"
 #include "core/row_set.h"
+#include "core/type_table.h"
 
 namespace DataTransformers {
 
@@ -17,6 +19,8 @@ public:
     // "Transformer type '%s' is not supported yet", or as Configure does.
     static bool Create(String& error, const SectionSettings& settings,
                        std::unique_ptr<DataTransformer>& transformer);
+    // The type words, in their order, with the keys of each.
+    static std::vector<TypeEntry> Types();
 
     virtual bool Configure(String& error, const SectionSettings& settings) = 0;
     // Called once when the columns are known and there is no row yet, then for every row.

@@ -4,10 +4,23 @@
 #include "transformers/column_setting.h"
 
 namespace DataTransformers {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"ApplyTo",
+     .kind = KeyKind::Columns,
+     .meaning = u"the columns, counted from 1, with commas between them",
+     .needed = u"column"},
+});
+constexpr Key kApplyTo = kKeys[u"ApplyTo"];
+
+}  // namespace
+
+KeyList RemoveColumn::Keys() { return {kKeys}; }
 
 bool RemoveColumn::Configure(String& error, const SectionSettings& settings) {
     String list;
-    if (!ReadRequired(error, settings, kRemoveColumn, u"ApplyTo", list)) return false;
+    if (!ReadRequired(error, settings, kRemoveColumn, kApplyTo, list)) return false;
     std::vector<StringView> numbers;
     SplitLine(list, u',', {}, OuterQuotes::Keep, numbers);
     for (const StringView number : numbers) {

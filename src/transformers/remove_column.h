@@ -9,6 +9,7 @@ namespace DataTransformers {
 // Takes columns out of the output. They stay in the row set, marked, so positions do not move.
 class RemoveColumn final : public DataTransformer {
 public:
+    static KeyList Keys();
     bool Configure(String& error, const SectionSettings& settings) override;
     // The first call marks the columns; every call marks their values, also in the rows of later
     // result sets, whose columns are left alone.

@@ -3,11 +3,21 @@
 #include "transformers/column_setting.h"
 
 namespace DataTransformers {
+namespace {
+
+constexpr KeyTable kKeys({
+    {.name = u"NewName", .meaning = u"the new name of the column", .needed = u"name"},
+});
+constexpr Key kNewName = kKeys[u"NewName"];
+
+}  // namespace
+
+KeyList RenameColumn::Keys() { return {kColumnKeys, kKeys}; }
 
 bool RenameColumn::Configure(String& error, const SectionSettings& settings) {
     first_call_ = true;
-    return ReadColumn(error, settings, kRenameColumn, position_) &&
-           ReadRequired(error, settings, kRenameColumn, u"NewName", new_name_);
+    return ReadColumn(error, settings, kRenameColumn, kApplyToColumn, position_) &&
+           ReadRequired(error, settings, kRenameColumn, kNewName, new_name_);
 }
 
 bool RenameColumn::Transform(String& /*error*/, RowSet& rows) {

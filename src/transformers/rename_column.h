@@ -7,6 +7,7 @@ namespace DataTransformers {
 // Gives a column another name, in the first result set.
 class RenameColumn final : public DataTransformer {
 public:
+    static KeyList Keys();
     bool Configure(String& error, const SectionSettings& settings) override;
     bool Transform(String& error, RowSet& rows) override;
 

@@ -6,6 +6,21 @@
 namespace DataTransformers {
 namespace {
 
+constexpr KeyTable kKeys({
+    {.name = u"ApplyTo",
+     .kind = KeyKind::Columns,
+     .words = u"*",
+     .meaning = u"the column, counted from 1, or * for all",
+     .needed = u"column"},
+    {.name = u"From",
+     .meaning = u"the text to look for; \\r and \\n stand for line ends",
+     .needed = u"from"},
+    {.name = u"To", .meaning = u"what takes its place; \\t stands for a tab, too"},
+});
+constexpr Key kApplyTo = kKeys[u"ApplyTo"];
+constexpr Key kFrom = kKeys[u"From"];
+constexpr Key kTo = kKeys[u"To"];
+
 void ReplaceLineEndEscapes(String& value) {
     text::ReplaceAll(value, u"\\r", u"\r");
     text::ReplaceAll(value, u"\\n", u"\n");
@@ -13,16 +28,19 @@ void ReplaceLineEndEscapes(String& value) {
 
 }  // namespace
 
+KeyList ReplaceString::Keys() { return {kKeys}; }
+
 bool ReplaceString::Configure(String& error, const SectionSettings& settings) {
-    all_columns_ = settings.Text(u"ApplyTo") == u"*";
-    if (!all_columns_ && !ReadColumn(error, settings, kRenameColumn, position_)) return false;
-    from_ = settings.Text(u"From");
+    all_columns_ = settings.Text(kApplyTo) == u"*";
+    if (!all_columns_ && !ReadColumn(error, settings, kRenameColumn, kApplyTo, position_))
+        return false;
+    from_ = settings.Text(kFrom);
     if (from_.empty()) {
         error = u"Replace string transformer: 'From' parameter is required.";
         return false;
     }
     ReplaceLineEndEscapes(from_);
-    to_ = settings.Text(u"To");
+    to_ = settings.Text(kTo);
     ReplaceLineEndEscapes(to_);
     text::ReplaceAll(to_, u"\\t", u"\t");
     return true;

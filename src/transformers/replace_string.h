@@ -8,6 +8,7 @@ namespace DataTransformers {
 // stay as they are.
 class ReplaceString final : public DataTransformer {
 public:
+    static KeyList Keys();
     // In the search text "\r" and "\n" stand for a carriage return and a line feed; in the
     // replacement "\t" stands for a tab as well.
     bool Configure(String& error, const SectionSettings& settings) override;

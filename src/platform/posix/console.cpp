@@ -7,6 +7,8 @@ namespace platform {
 
 bool StandardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
+bool StandardErrorIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
+
 bool WriteStandardOutput(std::span<const std::byte> bytes) {
     return WriteFully(STDOUT_FILENO, bytes) == bytes.size();
 }

@@ -44,6 +44,8 @@ bool WriteText(HANDLE stream, StringView text) {
 
 bool StandardOutputIsTerminal() { return IsConsole(::GetStdHandle(STD_OUTPUT_HANDLE)); }
 
+bool StandardErrorIsTerminal() { return IsConsole(::GetStdHandle(STD_ERROR_HANDLE)); }
+
 bool WriteStandardOutput(std::span<const std::byte> bytes) {
     return WriteFully(::GetStdHandle(STD_OUTPUT_HANDLE), bytes) == bytes.size();
 }

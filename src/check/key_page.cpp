@@ -1,0 +1,95 @@
+#include "check/key_page.h"
+
+#include "check/key_catalogue.h"
+#include "config/switches.h"
+#include "files/format.h"
+#include "files/text.h"
+
+namespace {
+
+constexpr StringView kHead =
+    u"# All keys\n"
+    u"\n"
+    u"Made by `quillon -help=keys`. Names are compared letter by letter. Any key may also stand "
+    u"in\n"
+    u"`Globals`, for all sections that have a key of that name. The columns 1 and 2 hold the "
+    u"default\n"
+    u"in each edition of the job file.\n";
+
+constexpr StringView kTableHead =
+    u"| Key | Values | 1 | 2 | Meaning |\n"
+    u"|---|---|---|---|---|\n";
+
+// A text as it can stand in a cell.
+String Cell(StringView value) {
+    String cell(value);
+    text::ReplaceAll(cell, u"|", u"\\|");
+    text::ReplaceAll(cell, u"<", u"&lt;");
+    return cell;
+}
+
+String Code(StringView value) { return value.empty() ? String() : Format(u"`%s`", Cell(value)); }
+
+void AppendRow(String& page, const KeySpec& key) {
+    page +=
+        Format(u"| `%s` | %s | %s | %s | %s |\n", key.name, Cell(ShownValues(key)),
+               ShownDefault(key, key.edition1), ShownDefault(key, key.edition2), Cell(key.meaning));
+}
+
+void AppendTable(String& page, const KeyList& keys) {
+    page += kTableHead;
+    for (const KeySpan span : keys) {
+        for (const KeySpec& key : span) AppendRow(page, key);
+    }
+}
+
+}  // namespace
+
+String ShownValues(const KeySpec& key) {
+    switch (key.kind) {
+        case KeyKind::Flag:
+            return u"boolean";
+        case KeyKind::Number:
+            return u"number";
+        case KeyKind::Size:
+            return u"size";
+        case KeyKind::Numbers:
+            return u"numbers";
+        case KeyKind::Columns:
+            return key.words.empty() ? u"columns" : u"column or *";
+        case KeyKind::Type:
+            return u"type";
+        case KeyKind::Text:
+            return u"text";
+        case KeyKind::Word:
+            break;
+    }
+    String words(key.words);
+    text::ReplaceAll(words, u" ", u", ");
+    return words;
+}
+
+String ShownDefault(const KeySpec& key, StringView value) {
+    if (!key.defaults.empty()) return Cell(key.defaults);
+    if (key.kind == KeyKind::Text && value.find_first_of(u"\r\n") != StringView::npos) return {};
+    return Code(value);
+}
+
+// Kinds with the same keys, two words for one thing, share a table.
+String KeyPage() {
+    String page(kHead);
+    const std::vector<KeyOwner>& owners = KeyOwners();
+    for (std::size_t i = 0; i < owners.size(); ++i) {
+        const KeyOwner& owner = owners[i];
+        if (owner.section == Section::CommandLine) {
+            page += u"\n## Switches of the command line\n\n| Switch | Meaning |\n|---|---|\n";
+            for (const KeySpec& key : KeySpan(kSwitches)) {
+                page += Format(u"| `%s` | %s |\n", key.name, Cell(key.meaning));
+            }
+            continue;
+        }
+        page += Format(u"\n## %s\n\n", NameOf(owner));
+        AppendTable(page, owner.keys);
+    }
+    return page;
+}

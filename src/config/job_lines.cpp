@@ -1,0 +1,197 @@
+#include "config/job_lines.h"
+
+#include <algorithm>
+
+#include "base/notices.h"
+#include "files/dfile.h"
+#include "files/format.h"
+#include "files/text.h"
+#include "files/text_loader.h"
+#include "platform/file_system.h"
+
+namespace {
+
+constexpr StringView kInclude = u"@include";
+
+// The name behind "@include" and one character between them.
+String IncludedName(StringView line) {
+    line.remove_prefix(kInclude.size());
+    return String(text::StripQuotes(line.substr(line.empty() ? 0 : 1)));
+}
+
+bool CouldNotLoad(String& error, const ErrorRecord& reason) {
+    error = Format(u"Error loading configuration file: %s", reason.text);
+    return false;
+}
+
+bool NotAccessible(String& error, StringView name) {
+    error = Format(u"@include statement. '%s' file is not accessible.\n", name);
+    return false;
+}
+
+// ---- The loose way ----
+
+// Lines that are not loaded must not be lost in silence.
+bool LoadLooseFile(ErrorRecord& error, const String& path, std::vector<String>& lines) {
+    LoadReport report;
+    if (!dFile::LoadFileContent(error, path, lines, &report)) return false;
+    if (report.encoding == Encoding::Utf8 && !lines.empty()) {
+        dFile::DecodeAfterMark(lines.front());
+    }
+    if (report.lines_left_out != 0) {
+        TellNotice(
+            Format(u"Warning: '%s' was read up to line %u. %u lines after it were left out.\n",
+                   path, report.last_line, report.lines_left_out));
+    }
+    return true;
+}
+
+// An included file is not searched for further includes; one that cannot be loaded is dropped.
+bool LoadLoose(String& error, const String& path, JobLines& job) {
+    std::vector<String> lines;
+    ErrorRecord load_error;
+    if (!LoadLooseFile(load_error, path, lines)) return CouldNotLoad(error, load_error);
+    job.files = {path};
+    std::size_t number = 0;
+    for (String& line : lines) {
+        ++number;
+        if (!line.starts_with(kInclude)) {
+            job.lines.push_back({std::move(line), {0, number}});
+            continue;
+        }
+        const String name = IncludedName(line);
+        if (!platform::PathExists(name)) return NotAccessible(error, name);
+        job.files.push_back(name);
+        std::vector<String> included;
+        ErrorRecord ignored;
+        if (!LoadLooseFile(ignored, name, included)) continue;
+        for (std::size_t i = 0; i < included.size(); ++i) {
+            job.lines.push_back({std::move(included[i]), {job.files.size() - 1, i + 1}});
+        }
+    }
+    return true;
+}
+
+StringView CutLooseComment(StringView line) {
+    bool single_quoted = false;
+    bool double_quoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char16_t unit = line[i];
+        if (unit == u'\'' && !double_quoted) single_quoted = !single_quoted;
+        if (unit == u'"' && !single_quoted) double_quoted = !double_quoted;
+        const bool quoted = single_quoted || double_quoted;
+        if (!quoted && (unit == u'#' || unit == u';')) return line.substr(0, i);
+    }
+    return line;
+}
+
+// ---- The strict way ----
+
+constexpr std::size_t kDeepestInclude = 16;
+
+String ChainOf(const std::vector<String>& open, const String& last) {
+    String chain;
+    for (const String& name : open) chain += Format(u"'%s' -> ", name);
+    return chain += Format(u"'%s'", last);
+}
+
+class StrictLoader {
+public:
+    explicit StrictLoader(JobLines& job) : job_(job) {}
+
+    // Appends the lines of a file. `open_` is the chain of files that are being read.
+    bool Load(String& error, const String& path) {
+        String content;
+        ErrorRecord load_error;
+        if (!LoadStrictText(load_error, path, content)) return CouldNotLoad(error, load_error);
+        const std::size_t file = job_.files.size();
+        job_.files.push_back(path);
+        open_.push_back(path);
+        std::size_t number = 0;
+        for (const StringView line : SplitLines(content)) {
+            ++number;
+            const bool done = line.starts_with(kInclude)
+                                  ? Include(error, IncludedName(line))
+                                  : (job_.lines.push_back({String(line), {file, number}}), true);
+            if (!done) return Place(error, path, number);
+        }
+        open_.pop_back();
+        return true;
+    }
+
+private:
+    bool Include(String& error, const String& name) {
+        if (!platform::PathExists(name)) {
+            error = Format(u"@include statement. '%s' file is not accessible.", name);
+            return false;
+        }
+        if (std::find(open_.begin(), open_.end(), name) != open_.end()) {
+            error = Format(u"@include statement. '%s' includes itself: %s.", name,
+                           ChainOf(open_, name));
+            return false;
+        }
+        if (open_.size() > kDeepestInclude) {
+            error = Format(u"@include statement. '%s' lies more than %d files deep: %s.", name,
+                           kDeepestInclude, ChainOf(open_, name));
+            return false;
+        }
+        return Load(error, name);
+    }
+
+    // Puts the innermost place before an error, once.
+    bool Place(String& error, const String& path, std::size_t line) {
+        if (!placed_) error = Format(u"%s:%u: %s", path, line, error);
+        placed_ = true;
+        return false;
+    }
+
+    JobLines& job_;
+    std::vector<String> open_;
+    bool placed_ = false;
+};
+
+bool LoadStrict(String& error, const String& path, JobLines& job) {
+    return StrictLoader(job).Load(error, path);
+}
+
+// ---- The tolerant way ----
+
+void LoadTolerantFile(const String& path, std::size_t depth, JobLines& job) {
+    String content;
+    ErrorRecord ignored;
+    if (!LoadStrictText(ignored, path, content) &&
+        !dFile::PrepareLoadFileContent(ignored, path, content, Encoding::Ansi)) {
+        return;
+    }
+    for (const StringView line : SplitLines(content)) {
+        if (!line.starts_with(kInclude)) {
+            job.lines.push_back({String(line), {}});
+        } else if (depth < kDeepestInclude) {
+            LoadTolerantFile(IncludedName(line), depth + 1, job);
+        }
+    }
+}
+
+bool LoadTolerant(String& /*error*/, const String& path, JobLines& job) {
+    LoadTolerantFile(path, 0, job);
+    return true;
+}
+
+bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
+
+// Quotes keep what stands between them, as in the loose way.
+StringView CutStrictComment(StringView line) {
+    for (std::size_t start = 0; start < line.size();) {
+        const std::size_t end = start + CutLooseComment(line.substr(start)).size();
+        if (end == line.size()) break;
+        if (end == 0 || IsBlank(line[end - 1])) return line.substr(0, end);
+        start = end + 1;
+    }
+    return line;
+}
+
+}  // namespace
+
+const JobFileRules kLooseJobFile{LoadLoose, CutLooseComment, false};
+const JobFileRules kStrictJobFile{LoadStrict, CutStrictComment, true};
+const JobFileRules kTolerantJobFile{LoadTolerant, CutStrictComment, true};
