@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "base/activity_trail.h"
+#include "base/notices.h"
 #include "base/utf8.h"
 #include "files/format.h"
 #include "files/text.h"
-#include "platform/console.h"
 
 namespace {
 
@@ -221,14 +221,17 @@ bool dFile::Open(ErrorRecord& error, const String& name, Encoding encoding, bool
     const bool existed = platform::PathExists(name);
     const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
     output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
-    if (!output_) {
+    // What is no regular file has no content to go on behind, and no mark of its own.
+    const bool behind_content = append && output_ && output_->IsRegular();
+    if (behind_content && existed) ContinueInOwnEncoding();
+    std::uint64_t position = 0;
+    if (!output_ || (behind_content && !output_->SeekEnd(error, position))) {
         error.text.insert(0, u"Could not open file for writing: ");
+        output_.reset();
         return false;
     }
     name_ = name;
-    if (existed && append) ContinueInOwnEncoding();
-    const bool has_content = append && output_->SeekEnd() != 0;
-    if (!has_content) WriteMark();
+    if (position == 0) WriteMark();
     opened_ = true;
     return true;
 }
@@ -238,8 +241,8 @@ void dFile::ContinueInOwnEncoding() {
     std::size_t count = 0;
     ErrorRecord failure;
     if (!output_->ReadStart(failure, start, count)) {
-        platform::WriteOutputText(
-            Format(u"dFile::CheckUnicode could not read the file [%d].\n", failure.code));
+        TellNotice(Format(u"dFile::CheckUnicode could not read the file [%d].\n", failure.code),
+                   NoticeStream::Output);
     }
     encoding_ = RecogniseMark(std::span(start).first(count));
 }
@@ -279,17 +282,25 @@ bool dFile::WriteBytes(std::span<const std::byte> bytes) {
     }
     ErrorRecord failure;
     if (output_ && output_->Write(failure, bytes)) return true;
-    platform::WriteErrorText(Format(u"Could not write to file '%s': %s\n", name_, failure.text));
+    TellNotice(Format(u"Could not write to file '%s': %s\n", name_, failure.text));
     return false;
 }
 
 bool dFile::Close() {
-    output_.reset();
+    ErrorRecord failure;
+    if (!Finish(failure)) TellNotice(failure.text + u'\n');
+    return true;
+}
+
+bool dFile::Finish(ErrorRecord& error) {
+    const std::unique_ptr<platform::OutputFile> output = std::move(output_);
     stream_.reset();
     buffer_.reset();
     filled_ = position_ = 0;
     opened_ = false;
-    return true;
+    if (!output || output->Close(error)) return true;
+    error.text = Format(u"Could not write to file '%s': %s", name_, error.text);
+    return false;
 }
 
 // ---- Reading line by line ----

@@ -36,7 +36,8 @@ public:
     // append: go on at the end of an existing file, in the encoding that its own mark declares,
     //         whatever is asked for; a file without a mark is continued as Ansi. A mark that cannot
     //         be read counts as none, and standard output says
-    //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code.
+    //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code. A pipe,
+    //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
     // Fails with "Could not open file for writing: " and the system's text; the code is kept.
     bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append);
 
@@ -50,8 +51,12 @@ public:
     // Writes bytes as they are. In memory mode they are taken as UTF-16 that ends at a zero unit.
     bool WriteBytes(std::span<const std::byte> bytes);
 
-    // Releases file, stream and buffer. Always true.
+    // Releases file, stream and buffer. Always true; standard error tells of a file whose last data
+    // did not arrive.
     bool Close();
+    // Close for those who want to fail: with "Could not write to file '%s': %s", which is then told
+    // nowhere else.
+    bool Finish(ErrorRecord& error);
 
     const String& MemoryText() const { return memory_text_; }
     // The encoding of the open file: after an append, what its own mark declares.
