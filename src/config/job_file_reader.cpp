@@ -1,12 +1,13 @@
 #include "config/job_file_reader.h"
 
 #include "base/activity_trail.h"
-#include "files/dfile.h"
 #include "files/format.h"
 #include "files/line_splitter.h"
 #include "files/text.h"
+#include "files/text_loader.h"
 #include "platform/console.h"
 #include "platform/environment.h"
+#include "platform/file_system.h"
 
 namespace {
 
@@ -29,9 +30,9 @@ constexpr SectionKeyword kSectionKeywords[] = {
 // error tells of them.
 bool LoadLines(ErrorRecord& error, const String& path, std::vector<String>& lines) {
     LoadReport report;
-    if (!dFile::LoadFileContent(error, path, lines, &report)) return false;
+    if (!LoadTextLines(error, path, lines, &report)) return false;
     if (report.encoding == Encoding::Utf8 && !lines.empty()) {
-        dFile::DecodeAfterMark(lines.front());
+        DecodeAfterByteOrderMark(lines.front());
     }
     if (report.lines_left_out != 0) {
         platform::WriteErrorText(

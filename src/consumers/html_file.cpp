@@ -41,9 +41,11 @@ bool HtmlFile::ReadFrame(String& error, const SectionSettings& settings) {
         return false;
     }
     ErrorRecord load_error;
-    const bool loaded =
-        (prologue_file.empty() || dFile::LoadText(load_error, prologue_file, prologue_)) &&
-        (epilogue_file.empty() || dFile::LoadText(load_error, epilogue_file, epilogue_));
+    // A file without a mark is in the encoding of the page.
+    const auto load = [&](const String& file, String& text) {
+        return file.empty() || dFile::PrepareLoadFileContent(load_error, file, text, encoding_);
+    };
+    const bool loaded = load(prologue_file, prologue_) && load(epilogue_file, epilogue_);
     if (!loaded) error = load_error.text;
     return loaded;
 }

@@ -16,7 +16,7 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
     }
     ErrorRecord load_error;
     String content;
-    if (!dFile::LoadText(load_error, path, content)) {
+    if (!dFile::PrepareLoadFileContent(load_error, path, content, Encoding::Utf8)) {
         error = Format(u"Could not load query file '%s': %s", path, load_error.text);
         return false;
     }

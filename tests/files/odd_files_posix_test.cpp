@@ -19,7 +19,7 @@ private:
 
 }  // namespace
 
-TEST(ClosingAFile, TellsOfDataThatDidNotArrive) {
+TEST(OddFiles, TellOfDataThatDidNotArrive) {
     const testing_support::ScratchFolder folder;
     const String name = folder.Path("file");
     const String message = u"Could not write to file '" + name + u"': Bad file descriptor";

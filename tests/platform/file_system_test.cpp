@@ -35,8 +35,8 @@ TEST(FileSystem, RefusesANameWithAZeroCharacter) {
     ErrorRecord reading;
     EXPECT_FALSE(InputFile::Open(reading, name));
     EXPECT_NE(reading.code, 0u);
-    for (const auto mode :
-         {OutputFile::Mode::Truncate, OutputFile::Mode::OpenExisting, OutputFile::Mode::CreateNew}) {
+    for (const auto mode : {OutputFile::Mode::Truncate, OutputFile::Mode::OpenExisting,
+                            OutputFile::Mode::CreateNew}) {
         ErrorRecord writing;
         EXPECT_FALSE(OutputFile::Open(writing, name, mode));
         EXPECT_EQ(writing.code, reading.code);
