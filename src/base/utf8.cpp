@@ -1,6 +1,8 @@
 #include "base/utf8.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 namespace {
 
@@ -21,6 +23,37 @@ char32_t TakeCodePoint(StringView text, std::size_t& position) {
         return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
     }
     return unit;
+}
+
+// How many ASCII characters `text` begins with. Most text is ASCII in long runs: a block is looked
+// at by a plain loop over all of it, which the compiler does many characters at a time.
+template <class Unit>
+std::size_t AsciiLength(std::basic_string_view<Unit> text) {
+    constexpr std::size_t kBlock = 32;
+    using Value = std::make_unsigned_t<std::conditional_t<sizeof(Unit) == 1, char, short>>;
+    const auto is_ascii = [](Unit unit) { return static_cast<Value>(unit) < 0x80; };
+    std::size_t length = 0;
+    while (text.size() - length >= kBlock) {
+        const Unit* const block = text.data() + length;
+        Value seen = 0;
+        for (std::size_t i = 0; i < kBlock; ++i) seen = static_cast<Value>(seen | block[i]);
+        if (seen >= 0x80) break;
+        length += kBlock;
+    }
+    while (length < text.size() && is_ascii(text[length])) ++length;
+    return length;
+}
+
+// Takes the ASCII characters at `position` over as they are and moves past them.
+template <class From, class To>
+void TakeAscii(std::basic_string_view<From> from, std::size_t& position, To& to) {
+    const std::basic_string_view<From> run =
+        from.substr(position, AsciiLength(from.substr(position)));
+    const std::size_t start = to.size();
+    to.resize(start + run.size());
+    std::transform(run.begin(), run.end(), to.begin() + static_cast<std::ptrdiff_t>(start),
+                   [](From unit) { return static_cast<typename To::value_type>(unit); });
+    position += run.size();
 }
 
 void AppendEncoded(char32_t point, std::string& bytes) {
@@ -87,6 +120,10 @@ bool TakeSequence(std::string_view bytes, std::size_t& position, char32_t& point
 void AppendUtf8(StringView text, std::string& bytes) {
     bytes.reserve(bytes.size() + text.size());
     for (std::size_t i = 0; i < text.size();) {
+        if (text[i] < 0x80) {
+            TakeAscii(text, i, bytes);
+            continue;
+        }
         const char32_t point = TakeCodePoint(text, i);
         AppendEncoded(IsSurrogate(point) ? kReplacement : point, bytes);
     }
@@ -102,11 +139,23 @@ bool FromUtf8(std::string_view bytes, String& text) {
     text.clear();
     text.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size();) {
+        if (static_cast<std::uint8_t>(bytes[i]) < 0x80) {
+            TakeAscii(bytes, i, text);
+            continue;
+        }
         char32_t point = 0;
         if (!TakeSequence(bytes, i, point)) return false;
         AppendUnits(point, text);
     }
     return true;
+}
+
+std::size_t FindUnpairedSurrogate(StringView text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t start = i;
+        if (IsSurrogate(TakeCodePoint(text, i))) return start;
+    }
+    return StringView::npos;
 }
 
 String FromNativeBytes(std::string_view bytes) {

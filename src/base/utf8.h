@@ -17,6 +17,9 @@ std::string ToUtf8(StringView text);
 // been decoded so far.
 bool FromUtf8(std::string_view bytes, String& text);
 
+// The position of the first half of a surrogate pair that stands alone; npos when there is none.
+std::size_t FindUnpairedSurrogate(StringView text);
+
 // Decodes bytes that name something in the system (a path, an argument, a variable). A byte that
 // is not part of valid UTF-8 becomes the unpaired surrogate U+DC00 + byte, so that ToNativeBytes
 // can give it back unchanged.

@@ -49,9 +49,7 @@ public:
     bool AdditonalCmdLine(String& error, std::size_t step_index);  // published spelling
 
     // Lists the job through `logger`. shown: what stands for a value; without it the value itself.
-    using Shown =
-        std::function<String(ConfigurationStep& step, Section section, std::size_t transform,
-                             const ParameterSet::Element& element)>;
+    using Shown = std::function<String(Section section, const ParameterSet::Element& element)>;
     bool Print(String& error, Quillon::Logger& logger, const Shown& shown = {});
 
     // ---- Looking up ----

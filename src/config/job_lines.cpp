@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/notices.h"
-#include "files/dfile.h"
 #include "files/format.h"
+#include "files/strict_text.h"
 #include "files/text.h"
 #include "files/text_loader.h"
 #include "platform/file_system.h"
@@ -34,9 +34,9 @@ bool NotAccessible(String& error, StringView name) {
 // Lines that are not loaded must not be lost in silence.
 bool LoadLooseFile(ErrorRecord& error, const String& path, std::vector<String>& lines) {
     LoadReport report;
-    if (!dFile::LoadFileContent(error, path, lines, &report)) return false;
+    if (!LoadTextLines(error, path, lines, &report)) return false;
     if (report.encoding == Encoding::Utf8 && !lines.empty()) {
-        dFile::DecodeAfterMark(lines.front());
+        DecodeAfterByteOrderMark(lines.front());
     }
     if (report.lines_left_out != 0) {
         TellNotice(
@@ -108,7 +108,7 @@ public:
         job_.files.push_back(path);
         open_.push_back(path);
         std::size_t number = 0;
-        for (const StringView line : SplitLines(content)) {
+        for (const StringView line : SplitIntoLines(content)) {
             ++number;
             const bool done = line.starts_with(kInclude)
                                   ? Include(error, IncludedName(line))
@@ -160,10 +160,10 @@ void LoadTolerantFile(const String& path, std::size_t depth, JobLines& job) {
     String content;
     ErrorRecord ignored;
     if (!LoadStrictText(ignored, path, content) &&
-        !dFile::PrepareLoadFileContent(ignored, path, content, Encoding::Ansi)) {
+        !LoadWholeText(ignored, path, content, Encoding::Ansi)) {
         return;
     }
-    for (const StringView line : SplitLines(content)) {
+    for (const StringView line : SplitIntoLines(content)) {
         if (!line.starts_with(kInclude)) {
             job.lines.push_back({String(line), {}});
         } else if (depth < kDeepestInclude) {

@@ -45,12 +45,7 @@ bool IsNumeric(std::int32_t data_type) {
 
 }  // namespace
 
-KeyList ExcelFile::Keys() { return {FileKeys()}; }
-
-bool ExcelFile::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
-    encoding_ = Encoding::Utf8;
-    return true;
-}
+KeyList ExcelFile::Keys() { return {kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()}; }
 
 bool ExcelFile::BeginFile(String& /*error*/) {
     header_row_pending_ = true;

@@ -18,6 +18,7 @@ namespace DataConsumers {
 //      </Row>
 class ExcelFile final : public FileTarget {
 public:
+    ExcelFile() : FileTarget({.overwrite = kLaterOverwrite, .encoding = kLaterEncoding}) {}
     static KeyList Keys();
 
     // Begins the workbook.
@@ -25,7 +26,6 @@ public:
     bool Write(String& error, RowSet& rows) override;
 
 private:
-    bool ReadSettings(String& error, const SectionSettings& settings) override;
     bool BeginFile(String& error) override;
     bool EndFile(String& error) override;
 

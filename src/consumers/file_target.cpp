@@ -1,5 +1,10 @@
 #include "consumers/file_target.h"
 
+#include "files/format.h"
+#include "files/line_reader.h"
+#include "files/text.h"
+#include "platform/file_system.h"
+
 namespace DataConsumers {
 namespace {
 
@@ -18,13 +23,6 @@ constexpr KeyTable kKeys({
 constexpr Key kName = kKeys[u"Name"];
 constexpr Key kOneFilePerResultSet = kKeys[u"OneFilePerResultSet"];
 
-bool ReadName(String& error, const SectionSettings& settings, String& name) {
-    name = settings.Text(kName);
-    if (!name.empty()) return true;
-    error = u"File name is not provided.";
-    return false;
-}
-
 }  // namespace
 
 KeySpan FileTarget::FileKeys() { return kKeys; }
@@ -34,43 +32,77 @@ bool FileTarget::ReadSettings(String& /*error*/, const SectionSettings& /*settin
 }
 bool FileTarget::BeginFile(String& /*error*/) { return true; }
 bool FileTarget::ContinueFile(String& /*error*/) { return false; }
-bool FileTarget::LeaveFile(String& error) { return Close(error); }
+bool FileTarget::LeaveFile(String& /*error*/) { return true; }
 
 bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     columns_are_new_ = true;
     write_failed_ = false;
     one_file_per_result_set_ = settings.Flag(kOneFilePerResultSet);
-    String name;
-    return ReadName(error, settings, name) && ReadSettings(error, settings) &&
-           OpenFile(error, name);
+    append_ = !settings.Flag(format_.overwrite);
+    any_console_word_ = settings.Follows(Rule::ConsoleIsForAll);
+    loss_told_ = settings.Follows(Rule::FilesMustClose) ? LossTold::ByError : LossTold::ByNotice;
+    if (format_.needs_name && settings.Text(kName).empty()) {
+        error = u"File name is not provided.";
+        return false;
+    }
+    return ReadSettings(error, settings) && OpenNamed(error, settings);
 }
 
 bool FileTarget::NextResultSet(String& error, const SectionSettings& settings) {
     columns_are_new_ = true;
     if (write_failed_) return false;
     if (!one_file_per_result_set_) return ContinueFile(error);
-    String name;
-    return LeaveFile(error) && ReadName(error, settings, name) && OpenFile(error, name);
+    const bool left = LeaveFile(error) && (!format_.ends_each_file || EndFile(error));
+    return CloseSink(error) && left && OpenNamed(error, settings);
 }
 
 bool FileTarget::Close(String& error) {
     const bool ended = EndFile(error);
-    CloseFile();
-    return ended && !write_failed_;
+    return CloseSink(error) && ended && !write_failed_;
 }
 
-bool FileTarget::OpenFile(String& error, const String& name) {
-    ErrorRecord open_error;
-    file_is_open_ = file_.Open(open_error, name, encoding_, append_);
-    if (file_is_open_) return BeginFile(error);
-    error = open_error.text;
-    return false;
+bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
+    const String name = settings.Text(kName);
+    encoding_ = ReadEncoding(settings, format_.encoding);
+    sink_.reset();  // it may be the same file
+    goes_on_ = append_ && platform::PathExists(name);
+    if (IsConsole(name)) {
+        sink_ = OpenConsoleSink(encoding_, !any_console_word_);
+        return BeginFile(error);
+    }
+    if (RefuseInput(error, name)) return false;
+    sink_ = OpenFileSink(error, name, encoding_, append_, loss_told_);
+    return sink_ != nullptr && BeginFile(error);
 }
 
-void FileTarget::CloseFile() {
-    file_.Close();
-    file_is_open_ = false;
+bool FileTarget::IsConsole(StringView name) const {
+    if (any_console_word_) {
+        return text::EqualsIgnoringCase(name, u"STDOUT") ||
+               text::EqualsIgnoringCase(name, u"CONSOLE");
+    }
+    return format_.takes_console && (name == u"STDOUT" || name == u"CONSOLE");
+}
+
+// A file that fits the read buffer has been read whole by now and may be replaced. One that is
+// appended to would be read on for ever, or not be read to its new end.
+bool FileTarget::RefuseInput(String& error, const String& name) const {
+    if (input_file_.empty()) return false;
+    const auto input = platform::IdentityOf(input_file_);
+    if (!input || platform::IdentityOf(name) != input) return false;
+    ErrorRecord ignored;
+    const auto file = platform::InputFile::Open(ignored, name);
+    const bool is_read = file && file->Size().value_or(0) <= LineReader::kBufferBytes;
+    if (!append_ && is_read) return false;
+    error = Format(u"The target '%s' is the file that the source reads.", name);
+    return true;
+}
+
+bool FileTarget::CloseSink(String& error) {
+    if (!sink_) return true;
+    const bool closed = sink_->Close(error);
+    sink_.reset();
+    return closed;
 }
 
 bool FileTarget::WriteText(String& error, StringView text) {
@@ -89,12 +121,12 @@ bool FileTarget::WriteUncounted(String& error, StringView text) {
 bool FileTarget::Put(String& error, StringView text, std::size_t& bytes) {
     error.clear();  // a write that fails may have no text, nor may an earlier one stand for it
     if (write_failed_) return false;
-    ErrorRecord write_error;
-    if (file_.Write(write_error, text, &bytes)) return true;
-    bytes = 0;
-    write_failed_ = true;
-    error = write_error.text;
-    return false;
+    if (!sink_) {
+        error = u"File is not opened yet.";
+        return false;
+    }
+    write_failed_ = !sink_->Write(error, text, bytes);
+    return !write_failed_;
 }
 
 }  // namespace DataConsumers

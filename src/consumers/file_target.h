@@ -1,21 +1,36 @@
 #pragma once
 
+#include <memory>
 #include <utility>
 
+#include "config/encoding_setting.h"
 #include "consumers/data_consumer.h"
-#include "files/dfile.h"
+#include "consumers/output_sink.h"
 
 namespace DataConsumers {
 
+// What the base of file targets must know of a format.
+struct FileFormat {
+    Key overwrite;
+    Key encoding;
+    bool needs_name = true;      // otherwise the system says what is wrong with an empty one
+    bool ends_each_file = true;  // otherwise the file before a further one stays without its end
+    bool takes_console = false;  // whether "STDOUT" and "CONSOLE", letter for letter, are no files
+};
+
 // What the targets share that write a file: its name with the macros in it, one file for each
-// result set, overwriting or appending, the encoding, and the count of the bytes written. A format
-// says what stands at the start and the end of a file and how a row looks.
+// result set, overwriting or appending, the encoding, standard output, and the count of the bytes
+// written. A format says what stands at the start and the end of a file and how a row looks.
 //
-// All operations fail with "File name is not provided.", with dFile's messages, or with those of
-// the format. Once a write has failed nothing more is written, so a step cannot go on behind a gap:
-// whatever the target is asked for next fails as well.
+// All operations fail with "File name is not provided.", with the file layer's messages, or with
+// those of the format. Once a write has failed nothing more is written, so a step cannot go on
+// behind a gap: whatever the target is asked for next fails as well.
+// "The target '%s' is the file that the source reads." where writing would destroy rows that are
+// still to be read.
 class FileTarget : public DataConsumer {
 public:
+    explicit FileTarget(const FileFormat& format) : format_(format) {}
+
     // The keys that all of them have.
     static KeySpan FileKeys();
 
@@ -26,22 +41,22 @@ public:
     bool WritesBytes() const override { return true; }
 
 protected:
-    // Reads the format's own settings, encoding_ and append_ among them. No file is open yet.
+    // Reads the format's own settings. No file is open yet.
     virtual bool ReadSettings(String& error, const SectionSettings& settings);
-    // A new file has been opened.
+    // A file has been opened; see FileExisted.
     virtual bool BeginFile(String& error);
     // Writes what ends a file.
     virtual bool EndFile(String& error) = 0;
     // A further result set goes into the same file. Its result is that of NextResultSet: true when
     // Prepare is wanted.
     virtual bool ContinueFile(String& error);
-    // Done with a file because the next result set has one of its own.
+    // Writes what stands before the end of a file because the next result set has one of its own.
     virtual bool LeaveFile(String& error);
 
-    // Opens the file by encoding_ and append_ and begins it.
-    bool OpenFile(String& error, const String& name);
-    bool FileIsOpen() const { return file_is_open_; }
-    void CloseFile();
+    bool FileIsOpen() const { return sink_ != nullptr; }
+    // True when the open file was there before and goes on.
+    bool GoesOn() const { return goes_on_; }
+    Encoding FileEncoding() const { return encoding_; }
     // True once in each result set: what was put together from the columns must be made anew.
     bool TakeNewColumns() { return std::exchange(columns_are_new_, false); }
     // Writes a piece of text in one call; its bytes count.
@@ -49,19 +64,75 @@ protected:
     // Writes a piece of text that the statistics leave out.
     bool WriteUncounted(String& error, StringView text);
 
-    Encoding encoding_ = Encoding::Ansi;
-    bool append_ = false;  // to what the file holds already
-    bool one_file_per_result_set_ = false;
     String line_;  // the piece being composed; reused, so a row costs no allocation
 
 private:
+    bool OpenNamed(String& error, const SectionSettings& settings);
+    bool RefuseInput(String& error, const String& name) const;
+    bool IsConsole(StringView name) const;
+    bool CloseSink(String& error);
     bool Put(String& error, StringView text, std::size_t& bytes);
 
-    dFile file_;
-    String input_file_;  // what the step reads; see IsInputInDanger
+    const FileFormat format_;
+    std::unique_ptr<OutputSink> sink_;
+    String input_file_;  // what the step reads; empty for nothing
+    Encoding encoding_ = Encoding::Ansi;
+    bool append_ = false;  // to what the file holds already
+    bool goes_on_ = false;
+    bool one_file_per_result_set_ = false;
+    bool any_console_word_ = false;  // in any letter case, for every format, byte for byte
+    LossTold loss_told_ = LossTold::ByNotice;
     bool columns_are_new_ = true;
-    bool file_is_open_ = false;
     bool write_failed_ = false;  // in this file or in one before it
 };
+
+// `Overwrite` and `Encoding`, of formats that have always had them and of those that have not.
+inline constexpr KeyTable kOverwriteKeys({
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"1",
+     .meaning = u"start the file empty; otherwise go on at its end"},
+});
+inline constexpr KeyTable kLaterOverwriteKeys({
+    {.name = u"Overwrite",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"1",
+     .meaning = u"start the file empty; otherwise go on at its end",
+     .since = Since::Edition2Only},
+});
+inline constexpr KeyTable kEncodingKeys({
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"UTF8",
+     .meaning = u"the encoding of a new file",
+     .loose_words = kLooseEncodingWords},
+});
+inline constexpr KeyTable kNarrowEncodingKeys({
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"ANSI",
+     .edition2 = u"UTF8",
+     .meaning = u"the encoding of a new file",
+     .loose_words = kLooseNarrowEncodingWords},
+});
+inline constexpr KeyTable kLaterEncodingKeys({
+    {.name = u"Encoding",
+     .kind = KeyKind::Word,
+     .words = kEncodingWords,
+     .edition1 = u"UTF8",
+     .edition2 = u"UTF8",
+     .meaning = u"the encoding of a new file",
+     .since = Since::Edition2Only},
+});
+inline constexpr Key kOverwrite = kOverwriteKeys[u"Overwrite"];
+inline constexpr Key kLaterOverwrite = kLaterOverwriteKeys[u"Overwrite"];
+inline constexpr Key kEncoding = kEncodingKeys[u"Encoding"];
+inline constexpr Key kNarrowEncoding = kNarrowEncodingKeys[u"Encoding"];
+inline constexpr Key kLaterEncoding = kLaterEncodingKeys[u"Encoding"];
 
 }  // namespace DataConsumers

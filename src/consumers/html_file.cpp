@@ -1,8 +1,9 @@
 #include "consumers/html_file.h"
 
-#include "config/encoding_setting.h"
 #include "consumers/markup.h"
 #include "files/format.h"
+#include "files/strict_text.h"
+#include "files/text_loader.h"
 #include "platform/file_system.h"
 
 namespace DataConsumers {
@@ -14,13 +15,6 @@ constexpr StringView kPrologue = u"<html><body>\r\n";
 constexpr StringView kEpilogue = u"</body></html>";
 
 constexpr KeyTable kKeys({
-    {.name = u"Encoding",
-     .kind = KeyKind::Word,
-     .words = kEncodingWords,
-     .edition1 = u"ANSI",
-     .edition2 = u"ANSI",
-     .meaning = u"of a new file",
-     .loose_words = kLooseNarrowEncodingWords},
     {.name = u"TableClass",
      .edition1 = u"table",
      .edition2 = u"table",
@@ -44,7 +38,6 @@ constexpr KeyTable kKeys({
      .meaning = u"a file that holds the epilogue",
      .names = Names::FileRead},
 });
-constexpr Key kEncoding = kKeys[u"Encoding"];
 constexpr Key kTableClass = kKeys[u"TableClass"];
 constexpr Key kTableHeaderClass = kKeys[u"TableHeaderClass"];
 constexpr Key kRowClass = kKeys[u"RowClass"];
@@ -61,10 +54,10 @@ String OpeningTag(StringView element, const String& css_class) {
 
 }  // namespace
 
-KeyList HtmlFile::Keys() { return {kKeys, FileKeys()}; }
+KeyList HtmlFile::Keys() { return {kKeys, kLaterOverwriteKeys, kNarrowEncodingKeys, FileKeys()}; }
 
 bool HtmlFile::ReadSettings(String& error, const SectionSettings& settings) {
-    encoding_ = ReadEncoding(settings, kEncoding);
+    leaves_empty_table_ = !settings.Follows(Rule::NoEmptyTables);
     table_tag_ = OpeningTag(u"table", settings.Text(kTableClass));
     header_tag_ = OpeningTag(u"th", settings.Text(kTableHeaderClass));
     row_tag_ = OpeningTag(u"tr", settings.Text(kRowClass));
@@ -87,9 +80,15 @@ bool HtmlFile::ReadFrame(String& error, const SectionSettings& settings) {
         return false;
     }
     ErrorRecord load_error;
-    const bool loaded =
-        (prologue_file.empty() || dFile::LoadText(load_error, prologue_file, prologue_)) &&
-        (epilogue_file.empty() || dFile::LoadText(load_error, epilogue_file, epilogue_));
+    // A file without a mark is in the encoding of the page.
+    const Encoding encoding = ReadEncoding(settings, kNarrowEncoding);
+    const bool strict = settings.Follows(Rule::StrictTexts);
+    const auto load = [&](const String& file, String& text) {
+        if (file.empty()) return true;
+        return strict ? LoadStrictText(load_error, file, text)
+                      : LoadWholeText(load_error, file, text, encoding);
+    };
+    const bool loaded = load(prologue_file, prologue_) && load(epilogue_file, epilogue_);
     if (!loaded) error = load_error.text;
     return loaded;
 }
@@ -135,13 +134,19 @@ void HtmlFile::AppendHeaderRow(const RowSet& rows) {
     line_ += kRowEnd;
 }
 
-// A new table, which has no row of names; so Prepare must not begin another one.
-bool HtmlFile::ContinueFile(String& error) {
+bool HtmlFile::BeginNextTable(String& error) {
     line_ = kTableEnd;
     line_ += table_tag_;
-    WriteText(error, line_);
+    return WriteText(error, line_);
+}
+
+// The new table has no row of names; so Prepare must not begin another one.
+bool HtmlFile::ContinueFile(String& error) {
+    BeginNextTable(error);
     return false;
 }
+
+bool HtmlFile::LeaveFile(String& error) { return !leaves_empty_table_ || BeginNextTable(error); }
 
 bool HtmlFile::EndFile(String& error) {
     line_ = kTableEnd;

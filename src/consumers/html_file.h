@@ -21,6 +21,7 @@ namespace DataConsumers {
 // mark these files are read as UTF-8, or byte by byte where they are not that.
 class HtmlFile final : public FileTarget {
 public:
+    HtmlFile() : FileTarget({.overwrite = kLaterOverwrite, .encoding = kNarrowEncoding}) {}
     static KeyList Keys();
 
     // Writes the prologue and begins the table.
@@ -33,7 +34,10 @@ private:
     bool BeginFile(String& error) override;
     bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;
+    // Writes the empty table that stands between the end of one and the next file.
+    bool LeaveFile(String& error) override;
 
+    bool BeginNextTable(String& error);
     void AppendHeaderRow(const RowSet& rows);
 
     String prologue_;
@@ -43,6 +47,7 @@ private:
     String row_tag_;
     String cell_tag_;
     bool header_row_pending_ = false;
+    bool leaves_empty_table_ = true;
 };
 
 }  // namespace DataConsumers

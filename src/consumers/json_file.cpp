@@ -1,29 +1,11 @@
 #include "consumers/json_file.h"
 
-#include "config/encoding_setting.h"
 #include "consumers/escaping.h"
 #include "files/format.h"
 #include "files/text.h"
 
 namespace DataConsumers {
 namespace {
-
-constexpr KeyTable kKeys({
-    {.name = u"Overwrite",
-     .kind = KeyKind::Flag,
-     .edition1 = u"0",
-     .edition2 = u"0",
-     .meaning = u"start the file empty"},
-    {.name = u"Encoding",
-     .kind = KeyKind::Word,
-     .words = kEncodingWords,
-     .edition1 = u"ANSI",
-     .edition2 = u"ANSI",
-     .meaning = u"of a new file",
-     .loose_words = kLooseNarrowEncodingWords},
-});
-constexpr Key kOverwrite = kKeys[u"Overwrite"];
-constexpr Key kEncoding = kKeys[u"Encoding"];
 
 void AppendEscape(String& line, char16_t unit) {
     line += u'\\';
@@ -59,13 +41,7 @@ void AppendText(String& line, StringView text) {
 
 }  // namespace
 
-KeyList JSONFile::Keys() { return {kKeys, FileKeys()}; }
-
-bool JSONFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
-    encoding_ = ReadEncoding(settings, kEncoding);
-    append_ = !settings.Flag(kOverwrite);
-    return true;
-}
+KeyList JSONFile::Keys() { return {kOverwriteKeys, kNarrowEncodingKeys, FileKeys()}; }
 
 bool JSONFile::BeginFile(String& error) {
     rows_in_file_ = 0;
@@ -106,10 +82,5 @@ void JSONFile::MakeNames(const std::vector<ColumnDefinition>& columns) {
 }
 
 bool JSONFile::EndFile(String& error) { return WriteUncounted(error, u"]"); }
-
-bool JSONFile::LeaveFile(String& /*error*/) {
-    CloseFile();
-    return true;
-}
 
 }  // namespace DataConsumers

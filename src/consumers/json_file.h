@@ -16,6 +16,9 @@ namespace DataConsumers {
 // characters other than CR, LF and tab as they are, so not everything is strict JSON.
 class JSONFile final : public FileTarget {
 public:
+    JSONFile()
+        : FileTarget(
+              {.overwrite = kOverwrite, .encoding = kNarrowEncoding, .ends_each_file = false}) {}
     static KeyList Keys();
 
     bool Prepare(String& error, RowSet& rows) override;
@@ -24,11 +27,8 @@ public:
     bool Write(String& error, RowSet& rows) override;
 
 private:
-    bool ReadSettings(String& error, const SectionSettings& settings) override;
     bool BeginFile(String& error) override;
     bool EndFile(String& error) override;
-    // The file stays without its closing bracket.
-    bool LeaveFile(String& error) override;
 
     void MakeNames(const std::vector<ColumnDefinition>& columns);
 

@@ -42,12 +42,7 @@ String RowDefinition(std::size_t cells, int shading) {
 
 }  // namespace
 
-KeyList RTFFile::Keys() { return {FileKeys()}; }
-
-bool RTFFile::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
-    encoding_ = Encoding::Utf8;
-    return true;
-}
+KeyList RTFFile::Keys() { return {kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()}; }
 
 bool RTFFile::Prepare(String& error, RowSet& rows) {
     line_ = Format(u"{\\rtf\\ansi{\\info{\\title %s}} \r\n", kTitle);

@@ -10,6 +10,7 @@ namespace DataConsumers {
 // characters beyond ASCII are not escaped.
 class RTFFile final : public FileTarget {
 public:
+    RTFFile() : FileTarget({.overwrite = kLaterOverwrite, .encoding = kLaterEncoding}) {}
     static KeyList Keys();
 
     // Begins the document with the row of names.
@@ -17,7 +18,6 @@ public:
     bool Write(String& error, RowSet& rows) override;
 
 private:
-    bool ReadSettings(String& error, const SectionSettings& settings) override;
     bool EndFile(String& error) override;
 
     void AppendCell(StringView text);

@@ -1,7 +1,7 @@
 #include "consumers/sql_script.h"
 
-#include "config/encoding_setting.h"
 #include "consumers/sql_statement.h"
+#include "files/format.h"
 
 namespace DataConsumers {
 namespace {
@@ -12,23 +12,9 @@ constexpr KeyTable kScriptKeys({
      .macros = Macros::Replaced,
      .names = Names::Table,
      .needed = u"table"},
-    {.name = u"Overwrite",
-     .kind = KeyKind::Flag,
-     .edition1 = u"0",
-     .edition2 = u"0",
-     .meaning = u"start the file empty"},
-    {.name = u"Encoding",
-     .kind = KeyKind::Word,
-     .words = kEncodingWords,
-     .edition1 = u"ANSI",
-     .edition2 = u"ANSI",
-     .meaning = u"of a new file",
-     .loose_words = kLooseEncodingWords},
     {.name = u"Delimiter", .meaning = u"what ends a statement"},
 });
 constexpr Key kTable = kScriptKeys[u"Table"];
-constexpr Key kOverwrite = kScriptKeys[u"Overwrite"];
-constexpr Key kEncoding = kScriptKeys[u"Encoding"];
 constexpr Key kDelimiter = kScriptKeys[u"Delimiter"];
 
 constexpr KeyTable kInsertKeys({
@@ -48,8 +34,12 @@ constexpr Key kColumnList = kInsertKeys[u"ColumnList"];
 
 }  // namespace
 
-KeyList SQLScript::InsertKeys() { return {kInsertKeys, kScriptKeys, FileKeys()}; }
-KeyList SQLScript::CreateTableKeys() { return {kScriptKeys, FileKeys()}; }
+KeyList SQLScript::InsertKeys() {
+    return {kInsertKeys, kScriptKeys, kOverwriteKeys, kEncodingKeys, FileKeys()};
+}
+KeyList SQLScript::CreateTableKeys() {
+    return {kScriptKeys, kOverwriteKeys, kEncodingKeys, FileKeys()};
+}
 
 bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
     settings_ = settings;
@@ -58,11 +48,13 @@ bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
         error = u"Output table name is not provided.";
         return false;
     }
-    encoding_ = ReadEncoding(settings, kEncoding);
     delimiter_ = settings.Text(kDelimiter);
     batch_size_ = settings.Number(kBatchSize);
+    if (batch_size_ < 1 && settings.Follows(Rule::BatchSizeChecked)) {
+        error = Format(u"'%s' must be at least 1.", kBatchSize->name);
+        return false;
+    }
     column_list_ = settings.Flag(kColumnList);
-    append_ = !settings.Flag(kOverwrite);
     return true;
 }
 

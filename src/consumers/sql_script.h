@@ -26,7 +26,8 @@ public:
     static KeyList InsertKeys();
     static KeyList CreateTableKeys();
 
-    explicit SQLScript(Statement statement) : statement_(statement) {}
+    explicit SQLScript(Statement statement)
+        : FileTarget({.overwrite = kOverwrite, .encoding = kEncoding}), statement_(statement) {}
 
     // Takes the table and the columns for the rows that follow.
     bool Prepare(String& error, RowSet& rows) override;

@@ -1,28 +1,12 @@
 #include "consumers/text_file.h"
 
 #include "base/activity_trail.h"
-#include "config/encoding_setting.h"
 #include "files/format.h"
-#include "files/text.h"
-#include "platform/console.h"
-#include "platform/file_system.h"
 
 namespace DataConsumers {
 namespace {
 
 constexpr KeyTable kKeys({
-    {.name = u"Overwrite",
-     .kind = KeyKind::Flag,
-     .edition1 = u"0",
-     .edition2 = u"0",
-     .meaning = u"start the file empty"},
-    {.name = u"Encoding",
-     .kind = KeyKind::Word,
-     .words = kEncodingWords,
-     .edition1 = u"ANSI",
-     .edition2 = u"ANSI",
-     .meaning = u"of a new file",
-     .loose_words = kLooseEncodingWords},
     {.name = u"Header",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
@@ -57,8 +41,6 @@ constexpr KeyTable kKeys({
      .edition2 = u"0",
      .meaning = u"line columns up with blanks; the source is read twice"},
 });
-constexpr Key kOverwrite = kKeys[u"Overwrite"];
-constexpr Key kEncoding = kKeys[u"Encoding"];
 constexpr Key kHeader = kKeys[u"Header"];
 constexpr Key kDelimiter = kKeys[u"Delimiter"];
 constexpr Key kQuotationMode = kKeys[u"QuotationMode"];
@@ -67,41 +49,32 @@ constexpr Key kEndOfLine = kKeys[u"EndOfLine"];
 constexpr Key kNullIsEmptyString = kKeys[u"NullIsEmptyString"];
 constexpr Key kFixedWidth = kKeys[u"FixedWidth"];
 
-bool IsConsoleName(StringView name) { return name == u"STDOUT" || name == u"CONSOLE"; }
-
 String DelimiterOf(const String& setting) {
     return setting == u"tab" || setting == u"<tab>" ? u"\t" : setting;
 }
 
 }  // namespace
 
-KeyList TextFile::Keys() { return {kKeys, FileKeys()}; }
+KeyList TextFile::Keys() { return {kKeys, kOverwriteKeys, kEncodingKeys, FileKeys()}; }
 
-bool TextFile::Open(String& error, const SectionSettings& settings) {
+bool TextFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
     const ScopedState state(u"TextFile::Open");
-    written_size_ = 0;
-    const String name = settings.Text(FileName());
-    encoding_ = ReadEncoding(settings, kEncoding);
     quotation_ = settings.Word(kQuotationMode, Quotation::Never);
     end_of_line_ = settings.Word(kEndOfLine, EndOfLine::CrLf) == EndOfLine::Lf ? u"\n" : u"\r\n";
     delimiter_ = DelimiterOf(settings.Text(kDelimiter));
     header_ = settings.Flag(kHeader);
-    append_ = !settings.Flag(kOverwrite);
     null_is_empty_ = settings.Flag(kNullIsEmptyString);
     quote_ = settings.Text(kQuoteChar);
     fixed_width_ = settings.Flag(kFixedWidth);
-    one_file_per_result_set_ = settings.Flag(OneFilePerResultSetKey());
-
-    const bool existed = platform::PathExists(name);
-    header_pending_ = header_ && !(append_ && existed);
+    first_file_ = true;
     header_delayed_ = false;
-    return OpenOutput(error, name);
+    return true;
 }
 
-bool TextFile::OpenOutput(String& error, const String& name) {
-    console_ = IsConsoleName(name);
-    if (!console_) return OpenFile(error, name);
-    terminal_ = platform::StandardOutputIsTerminal();
+// A file that goes on has its header; but each further result set brings one of its own.
+bool TextFile::BeginFile(String& /*error*/) {
+    header_pending_ = header_ && !(first_file_ && GoesOn());
+    first_file_ = false;
     return true;
 }
 
@@ -110,7 +83,7 @@ bool TextFile::Prepare(String& error, RowSet& rows) {
     if (!header_pending_) return true;
     header_pending_ = false;
     ComposeHeader(rows);
-    if (!fixed_width_) return WriteLine(error);
+    if (!fixed_width_) return WriteText(error, line_);
     header_delayed_ = true;
     delayed_header_ = line_;
     return true;
@@ -151,7 +124,7 @@ bool TextFile::Write(String& error, RowSet& rows) {
     if (header_delayed_) {
         header_delayed_ = false;
         ComposeHeader(rows);
-        if (!WriteLine(error)) return false;
+        if (!WriteText(error, line_)) return false;
     }
     line_.clear();
     bool first = true;
@@ -164,7 +137,7 @@ bool TextFile::Write(String& error, RowSet& rows) {
         first = false;
     }
     line_ += end_of_line_;
-    return WriteLine(error);
+    return WriteText(error, line_);
 }
 
 // Writes the header that still waits for a row to tell its widths.
@@ -172,31 +145,11 @@ bool TextFile::EndFile(String& error) {
     if (!header_delayed_) return true;
     header_delayed_ = false;
     line_ = delayed_header_;
-    return WriteLine(error);
+    return WriteText(error, line_);
 }
 
-bool TextFile::WriteLine(String& error) {
-    if (!console_) return WriteText(error, line_);
-    error.clear();  // a write that fails has no text, nor may an earlier one stand for it
-    return WriteToConsole();
-}
-
-// The line is a format text without arguments: "%%" stands for one percent sign. Directives that
-// want an argument find none and stay as they are.
-bool TextFile::WriteToConsole() {
-    text::ReplaceAll(line_, u"%%", u"%");
-    if (terminal_) return platform::WriteOutputText(line_);
-    std::span<const std::byte> bytes;
-    return console_encoder_.Encode(line_, encoding_, bytes) && platform::WriteStandardOutput(bytes);
-}
-
-bool TextFile::NextResultSet(String& error, const SectionSettings& settings) {
+bool TextFile::ContinueFile(String& error) {
     if (!EndFile(error)) return false;
-    if (one_file_per_result_set_) {
-        if (!Close(error)) return false;
-        if (!OpenOutput(error, settings.Text(FileName()))) return false;
-    }
-    line_.clear();
     if (header_) header_pending_ = true;
     return true;
 }

@@ -12,26 +12,29 @@ namespace DataConsumers {
 // Quote characters and line breaks inside a value are written as they are.
 class TextFile final : public FileTarget {
 public:
+    TextFile()
+        : FileTarget({.overwrite = kOverwrite,
+                      .encoding = kEncoding,
+                      .needs_name = false,
+                      .takes_console = true}) {}
     static KeyList Keys();
 
-    bool Open(String& error, const SectionSettings& settings) override;
     bool Prepare(String& error, RowSet& rows) override;
     // "TextFile: Broken row structure [Values: %d, Structure: %d for '%s']", or the file layer's
     // messages.
     bool Write(String& error, RowSet& rows) override;
-    bool NextResultSet(String& error, const SectionSettings& settings) override;
     bool MeasuresWidths() const override { return fixed_width_; }
 
 private:
     enum class Quotation { Never, ByValue, Always };
     enum class EndOfLine { Lf, CrLf };
 
+    bool ReadSettings(String& error, const SectionSettings& settings) override;
+    bool BeginFile(String& error) override;
+    bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;
-    bool OpenOutput(String& error, const String& name);
     void AppendField(StringView value, const ColumnDefinition& column, bool first);
     void ComposeHeader(const RowSet& rows);
-    bool WriteLine(String& error);
-    bool WriteToConsole();
 
     Quotation quotation_ = Quotation::Never;
     String end_of_line_;
@@ -41,12 +44,10 @@ private:
     bool null_is_empty_ = false;
     bool fixed_width_ = false;
 
-    bool console_ = false;
+    bool first_file_ = true;
     bool header_pending_ = false;  // the next Prepare brings the header
     bool header_delayed_ = false;  // Prepare came, but the widths are known with the first row only
     String delayed_header_;        // the header as it stands should no row come
-    bool terminal_ = false;        // the console is a terminal and takes text
-    TextEncoder console_encoder_;
 };
 
 }  // namespace DataConsumers

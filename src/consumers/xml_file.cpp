@@ -7,11 +7,6 @@ namespace DataConsumers {
 namespace {
 
 constexpr KeyTable kKeys({
-    {.name = u"Overwrite",
-     .kind = KeyKind::Flag,
-     .edition1 = u"0",
-     .edition2 = u"0",
-     .meaning = u"start the file empty"},
     {.name = u"FieldIsTag",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
@@ -22,7 +17,6 @@ constexpr KeyTable kKeys({
     {.name = u"item", .meaning = u"the name of the element around a value"},
     {.name = u"name", .meaning = u"the name of the attribute that holds a column's name"},
 });
-constexpr Key kOverwrite = kKeys[u"Overwrite"];
 constexpr Key kFieldIsTag = kKeys[u"FieldIsTag"];
 constexpr Key kSet = kKeys[u"set"];
 constexpr Key kRow = kKeys[u"row"];
@@ -40,10 +34,9 @@ String TagName(String name) {
 
 }  // namespace
 
-KeyList XMLFile::Keys() { return {kKeys, FileKeys()}; }
+KeyList XMLFile::Keys() { return {kKeys, kOverwriteKeys, kLaterEncodingKeys, FileKeys()}; }
 
 bool XMLFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
-    encoding_ = Encoding::Utf8;
     field_is_tag_ = settings.Flag(kFieldIsTag);
     set_ = settings.Text(kSet);
     const String row = settings.Text(kRow);
@@ -51,7 +44,6 @@ bool XMLFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
     row_end_ = Format(u"</%s>\r\n", row);
     item_ = settings.Text(kItem);
     name_attribute_ = settings.Text(kNameAttribute);
-    append_ = !settings.Flag(kOverwrite);
     return true;
 }
 
@@ -97,10 +89,5 @@ void XMLFile::MakeTags(const std::vector<ColumnDefinition>& columns) {
 }
 
 bool XMLFile::EndFile(String& error) { return WriteText(error, Format(u"</%s>\r\n", set_)); }
-
-bool XMLFile::LeaveFile(String& /*error*/) {
-    CloseFile();
-    return true;
-}
 
 }  // namespace DataConsumers

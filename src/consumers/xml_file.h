@@ -19,6 +19,9 @@ namespace DataConsumers {
 // tag made of a column's name, so odd names give a document that no reader takes.
 class XMLFile final : public FileTarget {
 public:
+    XMLFile()
+        : FileTarget(
+              {.overwrite = kOverwrite, .encoding = kLaterEncoding, .ends_each_file = false}) {}
     static KeyList Keys();
 
     // Begins the element around all rows.
@@ -30,8 +33,6 @@ private:
     // Writes the declaration, also into the middle of a file that is appended to.
     bool BeginFile(String& error) override;
     bool EndFile(String& error) override;
-    // The file stays without the closing tag of its set.
-    bool LeaveFile(String& error) override;
 
     // What stands around the values of an included column.
     struct Tags {

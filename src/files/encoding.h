@@ -7,7 +7,8 @@
 
 #include "base/strings.h"
 
-// How a file's text is stored. The numbers are the program's published encoding codes.
+// How a file's text is stored, and the byte-order mark that says so. The numbers are the program's
+// published encoding codes.
 enum class Encoding : std::uint32_t {
     Ansi = 0,               // one byte a character: its low eight bits; no mark
     Utf16BigEndian = 1,     // mark FE FF; can be read, not written
@@ -18,6 +19,9 @@ enum class Encoding : std::uint32_t {
 // The encoding that a job file's word asks for, letter for letter: "UTF16" and "Unicode" give
 // UTF-16 little-endian, "UTF8" gives UTF-8, anything else Ansi.
 Encoding EncodingFromWord(StringView word);
+
+// What writers say of an encoding that cannot be written.
+constexpr StringView kEncodingNotSupported = u"Encoding is not supported yet";
 
 // Turns text into the bytes of an encoding, without a mark. Keeps its room between calls.
 class TextEncoder {

@@ -14,6 +14,8 @@ StringView StripOuter(StringView field, char16_t quote) {
 void SplitLine(StringView line, char16_t delimiter, StringView quote, OuterQuotes outer,
                std::vector<StringView>& fields) {
     const bool has_quote = !quote.empty();
+    // Without a quote its unit is the delimiter as well: one search then serves both, and whatever
+    // it stops at is a delimiter.
     const char16_t quote_unit = has_quote ? quote.front() : delimiter;
     const bool strip = has_quote && outer == OuterQuotes::Strip;
     const auto end_field = [&](const char16_t* begin, const char16_t* end) {
@@ -26,6 +28,7 @@ void SplitLine(StringView line, char16_t delimiter, StringView quote, OuterQuote
     const char16_t* field = line.data();
     bool inside = false;
     for (const char16_t* at = field;; ++at) {
+        // Inside quotes a delimiter is no place to stop at: only the quote that closes them is.
         const char16_t closing = inside ? quote_unit : delimiter;
         at = FindUnit(at, end, [=](auto unit) { return (unit == quote_unit) | (unit == closing); });
         if (at == end) break;

@@ -44,10 +44,10 @@ bool DecodeUtf16(ErrorRecord& error, const String& name, RawText bytes, bool lit
     for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = UnitAtStart(bytes.subspan(2 * i), little_endian);
     }
-    const std::size_t fault = std::min(FindUnpairedSurrogate(text), text.size());
-    if (fault == text.size() && bytes.size() % 2 == 0) return true;
-    error.text = Format(u"File '%s', line %u: the bytes are not valid UTF-16.", name,
-                        LineBehind(StringView(text).substr(0, fault)));
+    const StringView before = StringView{text}.substr(0, FindUnpairedSurrogate(text));
+    if (before.size() == text.size() && bytes.size() % 2 == 0) return true;
+    error.text =
+        Format(u"File '%s', line %u: the bytes are not valid UTF-16.", name, LineBehind(before));
     return false;
 }
 
@@ -62,10 +62,9 @@ bool LoadStrictText(ErrorRecord& error, const String& name, String& text) {
     const RawText all = AsRawText(bytes);
     // OpenByMark leaves a UTF-16 mark in the stream.
     const bool decoded =
-        IsWide(encoding)
-            ? DecodeUtf16(error, name, all.subspan(ByteOrderMarkOf(encoding).size()),
-                          encoding == Encoding::Utf16LittleEndian, text)
-            : DecodeUtf8(error, name, all, text);
+        IsWide(encoding) ? DecodeUtf16(error, name, all.subspan(ByteOrderMarkOf(encoding).size()),
+                                       encoding == Encoding::Utf16LittleEndian, text)
+                         : DecodeUtf8(error, name, all, text);
     if (!decoded) text.clear();
     return decoded;
 }

@@ -13,9 +13,23 @@
 
 namespace platform {
 
+// A name that holds a zero character is nobody's: the systems' calls would take the part before it
+// for the name. Nothing is found under it, and opening it fails.
+
 // True when something (a file, a folder, a device) is found under `name`. Says nothing about the
 // right to read it.
 bool PathExists(const String& name);
+
+// Tells one file or folder from all others that exist at the time.
+struct FileIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+    bool operator==(const FileIdentity&) const = default;
+};
+
+// The identity of what is found under `name`: the same for every spelling of the name and for every
+// link. Nothing when nothing is found or the system does not say.
+std::optional<FileIdentity> IdentityOf(const String& name);
 
 // A file, or standard input, open for reading bytes. Destruction closes it.
 class InputFile {
@@ -51,7 +65,7 @@ private:
     bool failed_ = false;
 };
 
-// A file open for writing. Destruction closes it.
+// A file open for writing. Destruction closes it, with an outcome that nobody sees: see Close.
 class OutputFile {
 public:
     enum class Mode {
@@ -63,16 +77,24 @@ public:
 
     // On failure returns null and `error` holds the system's text and code. While the file is
     // open others may read it; another OutputFile on it, of this process or not, cannot be opened.
+    // A pipe, a FIFO or a device is opened for writing alone, is neither emptied nor locked, and a
+    // FIFO is waited for until somebody reads it.
     static std::unique_ptr<OutputFile> Open(ErrorRecord& error, const String& name, Mode mode);
 
+    // False for a pipe, a FIFO or a device: nothing can be read back from it.
+    virtual bool IsRegular() const = 0;
     // Writes all of `bytes` at the current position. When fewer reach the file (disk full), it is
     // cut back to where it was, so that it ends with the last whole record; `error` then holds the
     // system's text and code.
     virtual bool Write(ErrorRecord& error, std::span<const std::byte> bytes) = 0;
     // Reads from the start of the file into `bytes`; `count` is how many were there.
     virtual bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) = 0;
-    // Moves to the end and returns that position; 0 for what has no length.
-    virtual std::uint64_t SeekEnd() = 0;
+    // Moves to the end; `position` is where that is, 0 for what has no length. False when the
+    // system refuses, and writing would begin who knows where.
+    virtual bool SeekEnd(ErrorRecord& error, std::uint64_t& position) = 0;
+    // Closes the file: the last chance to learn that data did not arrive, on file servers and where
+    // space is limited by user. Afterwards the file can only be destroyed.
+    virtual bool Close(ErrorRecord& error) = 0;
 };
 
 }  // namespace platform

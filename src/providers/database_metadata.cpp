@@ -50,7 +50,7 @@ std::vector<String> ValuesOf(const CatalogColumn& column) {
 }
 
 // A row set of one row that describes one column.
-RowSet Describe(const CatalogColumn& column) {
+RowSet RowOf(const CatalogColumn& column) {
     RowSet rows;
     rows.Columns = ColumnsOfColumns();
     for (String& value : ValuesOf(column)) rows.Row.push_back({false, true, std::move(value)});
@@ -138,7 +138,7 @@ bool DatabaseMetadata::Fetch(String& error, RowSet& rows, bool track_widths) {
     if (next_table_ == columns_of_tables_.size()) return true;
     rows.Nested = std::make_unique<std::vector<RowSet>>();
     for (const CatalogColumn& column : columns_of_tables_[next_table_++]) {
-        rows.Nested->push_back(Describe(column));
+        rows.Nested->push_back(RowOf(column));
     }
     return true;
 }

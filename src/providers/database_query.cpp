@@ -1,8 +1,9 @@
 #include "providers/database_query.h"
 
-#include "files/dfile.h"
 #include "files/format.h"
+#include "files/strict_text.h"
 #include "files/text.h"
+#include "files/text_loader.h"
 #include "platform/file_system.h"
 
 namespace DataProviders {
@@ -44,7 +45,10 @@ bool LoadQueryFile(String& error, const SectionSettings& settings, const String&
     }
     ErrorRecord load_error;
     String content;
-    if (!dFile::LoadText(load_error, path, content)) {
+    const bool loaded = settings.Follows(Rule::StrictTexts)
+                            ? LoadStrictText(load_error, path, content)
+                            : LoadWholeText(load_error, path, content, Encoding::Utf8);
+    if (!loaded) {
         error = Format(u"Could not load query file '%s': %s", path, load_error.text);
         return false;
     }

@@ -26,7 +26,9 @@ class StepDescription {
 public:
     explicit StepDescription(Configuration& configuration) : configuration_(configuration) {}
 
-    bool Check(String& error) { return DescribeSource(error) && Transform(error) && Compare(error); }
+    bool Check(String& error) {
+        return DescribeSource(error) && Transform(error) && Compare(error);
+    }
     const StepRole& Role() const { return role_; }
 
 private:

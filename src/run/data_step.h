@@ -21,7 +21,7 @@
 namespace Quillon {
 class Logger;
 class LoggerConsole;
-}
+}  // namespace Quillon
 
 // What a step needs to know of the run that it belongs to.
 struct RunOptions {
@@ -85,9 +85,9 @@ private:
     std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
     std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
     std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
-    StepRole at_work_;              // for the message of a failure
-    String measuring_failure_;      // what ended the reading that measured widths, if it failed
-    bool failed_ = false;           // reading or going on has failed the step
+    StepRole at_work_;          // for the message of a failure
+    String measuring_failure_;  // what ended the reading that measured widths, if it failed
+    bool failed_ = false;       // reading or going on has failed the step
     std::uint64_t rows_read_ = 0;
     std::uint64_t items_ = 0;
 };

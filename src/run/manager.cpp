@@ -41,8 +41,8 @@ bool Manager::Run(String& error, Configuration& configuration) {
     const ScopedState state(u"Manager::Run");
     const String default_path = configuration.ProgramDirectory() + u"quillon.qpr";
     const String given_path = configuration.Text(Section::CommandLine, kConfigSwitch);
-    const String& path = configuration.CommandLine().Find(kConfigSwitch->name) ? given_path
-                                                                              : default_path;
+    const String& path =
+        configuration.CommandLine().Find(kConfigSwitch->name) ? given_path : default_path;
     const bool settled = configuration.Settle(error, path);
     silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
     const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
@@ -151,7 +151,8 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
         done = RunSystemSection(error, configuration);
     } else {
         const RunOptions options{silent_, stop_on_error_, run_start_ms_};
-        done = DataStep(configuration, index, options, *active_logger_, console_, clock_).Run(error);
+        done =
+            DataStep(configuration, index, options, *active_logger_, console_, clock_).Run(error);
     }
     // A failure that counts is remembered, so that the run does not end as if there were none.
     if (done || stop_on_error_ || !configuration.Follows(Rule::FailedStepsCount)) return done;

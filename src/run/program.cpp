@@ -1,11 +1,35 @@
+#include "base/utf8.h"
+#include "check/help_text.h"
+#include "check/key_catalogue.h"
 #include "config/configuration.h"
+#include "config/switches.h"
+#include "core/key_values.h"
+#include "files/format.h"
+#include "platform/console.h"
 #include "platform/environment.h"
 #include "platform/program_entry.h"
+#include "run/banner.h"
 #include "run/manager.h"
 
 namespace {
 
 enum ExitStatus : int { kSuccess = 0, kRunFailed = 2, kCommandLineRefused = 4 };
+
+bool ShowText(StringView text) {
+    const std::string bytes = ToUtf8(text);
+    return platform::WriteStandardOutput(std::as_bytes(std::span(bytes)));
+}
+
+// Pages that are redirected into files are the same on every system, so lines end with LF.
+int ShowHelp(StringView word) {
+    const String help = HelpOn(word);
+    if (!help.empty()) return ShowText(help) ? kSuccess : kRunFailed;
+    const StringView nearest = NearestHelpWord(word);
+    platform::WriteErrorText(
+        Format(u"There is no help on '%s'.%s\n", word,
+               nearest.empty() ? String() : Format(u" Did you mean '%s'?", nearest)));
+    return kCommandLineRefused;
+}
 
 }  // namespace
 
@@ -15,5 +39,12 @@ int ProgramMain(const std::vector<String>& arguments) {
     Configuration configuration;
     Manager manager;
     if (!configuration.ParseCommandLine(arguments)) return kCommandLineRefused;
-    return manager.Run(error, configuration) ? kSuccess : kRunFailed;
+    if (const auto* help = configuration.CommandLine().Find(kHelpSwitch->name)) {
+        return ShowHelp(help->value);
+    }
+    if (configuration.Flag(Section::CommandLine, kVersionSwitch)) {
+        return ShowText(BannerLine() + u"\n") ? kSuccess : kRunFailed;
+    }
+    if (manager.Run(error, configuration)) return kSuccess;
+    return manager.RefusedCommandLine() ? kCommandLineRefused : kRunFailed;
 }

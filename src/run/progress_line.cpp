@@ -7,9 +7,13 @@ namespace {
 
 // Digits in groups of three.
 String Grouped(std::uint64_t number) {
-    String digits = Format(u"%I64u", number);
-    for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, 1, u',');
-    return digits;
+    const String digits = Format(u"%I64u", number);
+    String grouped;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (i != 0 && (digits.size() - i) % 3 == 0) grouped += u',';
+        grouped += digits[i];
+    }
+    return grouped;
 }
 
 }  // namespace
@@ -28,11 +32,14 @@ void ProgressLine::Tell(std::uint64_t rows, std::uint64_t bytes, std::optional<d
     const std::size_t width = line.size();
     if (width < shown_width_) line.append(shown_width_ - width, u' ');
     shown_width_ = width;
-    platform::WriteErrorText(u"\r" + line);
+    line.insert(line.begin(), u'\r');
+    platform::WriteErrorText(line);
 }
 
 void ProgressLine::Clear() {
     if (shown_width_ == 0) return;
-    platform::WriteErrorText(u"\r" + String(shown_width_, u' ') + u"\r");
+    String blank(shown_width_ + 2, u' ');
+    blank.front() = blank.back() = u'\r';
+    platform::WriteErrorText(blank);
     shown_width_ = 0;
 }

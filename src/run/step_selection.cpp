@@ -45,8 +45,9 @@ bool SelectSteps(String& error, const Configuration& configuration,
         return false;
     }
     std::vector<bool> wanted(count, only.empty() && from.empty());
-    const bool named = only.empty() ? from.empty() || MarkRange(from + Format(u"-%u", count), wanted)
-                                    : MarkRanges(only, wanted);
+    const bool named = only.empty()
+                           ? from.empty() || MarkRange(from + Format(u"-%u", count), wanted)
+                           : MarkRanges(only, wanted);
     if (!named) {
         error = Format(u"'%s' names no steps of this job, which has %u.",
                        only.empty() ? from : only, count);

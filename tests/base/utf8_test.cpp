@@ -25,6 +25,25 @@ TEST(Utf8, ConvertsBothWays) {
     }
 }
 
+// ASCII is taken in blocks: every place of a block must see the same rules.
+TEST(Utf8, ConvertsAnywhereInLongTexts) {
+    const std::string filler(70, '\x7F');
+    const String wide_filler(70, u'\x7F');
+    for (std::size_t i = 0; i <= filler.size(); ++i) {
+        std::string bytes = filler;
+        bytes.insert(i, "\xC2\x80");
+        String text = wide_filler;
+        text.insert(i, 1, u'\u0080');
+        String decoded;
+        EXPECT_TRUE(FromUtf8(bytes, decoded));
+        EXPECT_EQ(decoded, text);
+        EXPECT_EQ(ToUtf8(text), bytes);
+        bytes[i] = '\xFF';
+        EXPECT_FALSE(FromUtf8(bytes, decoded));
+        EXPECT_EQ(decoded, wide_filler.substr(0, i));
+    }
+}
+
 TEST(Utf8, WritesUnpairedSurrogatesAsTheReplacementCharacter) {
     EXPECT_EQ(ToUtf8(u"\xD83Dx\xDE00\xD83D"), "\xEF\xBF\xBDx\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(ToUtf8(u"\xD83D\xD83D\xDE00"), "\xEF\xBF\xBD\xF0\x9F\x98\x80");

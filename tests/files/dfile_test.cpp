@@ -124,6 +124,7 @@ TEST_F(DFile, LoadsLinesUntilOneComesOutEmpty) {
         // the limit
         {kFill + "\nb\nc\n", {kFilled}, 1, 2},
         {"a\n" + kFill + "\nb", {u"a", kFilled.substr(1)}, 1, 2},  // it cuts a line
+        {"a\n\nb\n" + kFill + "\nc", {u"a"}, 2, 3},               // that is left out anyway
         {"\xFF\xFE" + kFill.substr(3) + "\n\0b\0"s, {kWideFilled}, 1, 1},
     };
     // clang-format on
@@ -132,7 +133,7 @@ TEST_F(DFile, LoadsLinesUntilOneComesOutEmpty) {
         folder_.Write("file", bytes);
         Lines lines = {u"old"};
         LoadReport report;
-        EXPECT_TRUE(dFile::LoadFileContent(error_, path_, lines, &report));
+        EXPECT_TRUE(LoadTextLines(error_, path_, lines, &report));
         EXPECT_TRUE(lines == expected);
         EXPECT_EQ(report.last_line, last_line);
         EXPECT_EQ(report.lines_left_out, left_out);
@@ -144,7 +145,8 @@ TEST_F(DFile, LoadsLinesUntilOneComesOutEmpty) {
 
 TEST_F(DFile, LoadsAWholeTextUpToTheLimit) {
     // clang-format off
-    // the file, its encoding unless a mark says another; the text, that text after DecodeAfterMark
+    // the file, its encoding unless a mark says another; the text, that text after
+    // DecodeAfterByteOrderMark
     const std::tuple<std::string, Encoding, String, String> kCases[] = {
         {"select\r\n\n 1\t\r\n\r\n", Ansi, u"select\r\n\n 1", u"select\r\n\n 1"},
         {"\xC3\xA9\n\xC3\xA9", Utf8, u"\u00E9\n\u00E9", u"\u00E9\n\u00E9"},
@@ -164,7 +166,7 @@ TEST_F(DFile, LoadsAWholeTextUpToTheLimit) {
         EXPECT_TRUE(dFile::PrepareLoadFileContent(error_, path_, text, default_encoding));
         SCOPED_TRACE(testing::PrintToString(bytes.substr(0, 30)));
         EXPECT_TRUE(text == expected);
-        dFile::DecodeAfterMark(text);
+        DecodeAfterByteOrderMark(text);
         EXPECT_TRUE(text == decoded);
     }
 }

@@ -96,6 +96,54 @@ class Robustness(Scene):
         self.assertEqual(result.stderr,
                          b"Could not write to file '/dev/full': No space left on device\n")
 
+    def start_job(self, job, **options):
+        """Runs a job beside the test; a run that never ends is ended with it."""
+        self.write("job.qpr", job)
+        process = subprocess.Popen([PROGRAM, "-config=job.qpr", "-silent"], cwd=self.path,
+                                   stderr=subprocess.PIPE, **options)
+        self.addCleanup(process.communicate)
+        self.addCleanup(process.kill)
+        return process
+
+    def test_target_that_is_a_pipe_gets_what_a_new_file_gets(self):
+        self.write("in.txt", b"a\n\xe9\n")
+        os.mkfifo(self.path / "fifo")
+        rows = b"\xef\xbb\xbf\xc3\xa9\r\n"
+        for overwrite in ("Overwrite=0\n", "Overwrite=1\n"):
+            job = COPY + "Encoding=UTF8\n" + overwrite
+            with self.subTest(overwrite):
+                result = self.run_job(job.format(source="in.txt", target="/dev/stdout"))
+                self.assert_ends(result, 0, rows)
+                # The job waits for the reader, who comes late.
+                writer = self.start_job(job.format(source="in.txt", target="fifo"))
+                self.assertRaises(subprocess.TimeoutExpired, writer.wait, 0.3)
+                self.assertEqual((self.path / "fifo").read_bytes(), rows)
+                self.assertEqual(writer.wait(timeout=60), 0)
+
+    def test_target_that_is_standard_output_in_a_file(self):
+        self.write("in.txt", "a\n1\n")
+        self.write("out.txt", "old\r\n")
+        with (self.path / "out.txt").open("ab") as out:
+            process = self.start_job(COPY.format(source="in.txt", target="/dev/stdout"), stdout=out)
+            self.assertEqual(process.wait(timeout=60), 0)
+        self.assertEqual((self.path / "out.txt").read_bytes(), b"old\r\n1\r\n")
+
+    def test_reader_of_the_target_that_stops_ends_the_run(self):
+        self.write("in.txt", "a\n" + "123456789\n" * 200_000)
+        process = self.start_job(COPY.format(source="in.txt", target="/dev/stdout"),
+                                 stdout=subprocess.PIPE)
+        process.stdout.readline()
+        process.stdout.close()
+        self.assertEqual(process.wait(timeout=60), 2)
+        self.assertEqual(process.stderr.read(),
+                         b"Could not write to file '/dev/stdout': Broken pipe\n")
+
+    def test_target_whose_end_cannot_be_found_is_not_written(self):
+        self.write("in.txt", "a\n1\n")
+        self.assert_ends(self.run_job(COPY.format(source="in.txt", target="/proc/self/mem")), 2,
+                         b"dFile::CheckUnicode could not read the file [5].\n"
+                         b"Could not open file for writing: Invalid argument\n")
+
     def test_disk_that_fills_leaves_whole_lines(self):
         self.write("in.txt", "a\n" + "123456789\n" * 1000)
         limit = 4096 + 5

@@ -19,6 +19,11 @@ public:
         if (number_ > STDERR_FILENO) ::close(number_);
     }
     int Get() const { return number_; }
+    // Closes it now; false when the system tells of a failure. The number is gone all the same.
+    bool Close() {
+        const int number = std::exchange(number_, -1);
+        return number <= STDERR_FILENO || ::close(number) == 0;
+    }
 
 private:
     int number_;

@@ -19,11 +19,38 @@ struct stat StatusOf(int descriptor) {
     return status;
 }
 
-bool IsRegular(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
+bool IsRegularFile(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
+
+bool HoldsZero(const String& name) { return name.find(u'\0') != String::npos; }
+
+// Opens `name`; -1, with errno set, when it cannot be opened.
+int OpenDescriptor(const String& name, int flags) {
+    constexpr mode_t kNewFileMode = 0666;  // less the user's umask
+    if (HoldsZero(name)) {
+        errno = EINVAL;
+        return -1;
+    }
+    return ::open(ToNativeBytes(name).c_str(), flags | O_CLOEXEC | O_NOCTTY, kNewFileMode);
+}
+
+std::optional<struct stat> StatusOf(const String& name) {
+    struct stat status {};
+    if (HoldsZero(name) || ::stat(ToNativeBytes(name).c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+// How a file is opened for writing. Its mark must be read before something is added to it. From a
+// pipe or a device nothing is read: whoever holds the reading end open keeps a FIFO from waiting
+// for its reader, and hears of no reader that has gone.
+int WritingFlags(const String& name, OutputFile::Mode mode) {
+    if (mode == OutputFile::Mode::CreateNew) return O_RDWR | O_CREAT | O_EXCL;
+    const std::optional<struct stat> status = StatusOf(name);
+    return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode) ? O_WRONLY : O_RDWR;
+}
 
 // Keeps other writers away, who would write over each other. Readers are not concerned.
 bool LockForWriting(int descriptor) {
-    if (!IsRegular(descriptor)) return true;
+    if (!IsRegularFile(descriptor)) return true;
     return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
@@ -54,6 +81,8 @@ class PosixOutputFile final : public OutputFile {
 public:
     explicit PosixOutputFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
 
+    bool IsRegular() const override { return IsRegularFile(descriptor_.Get()); }
+
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
         const std::size_t written = WriteFully(descriptor_.Get(), bytes);
         if (written == bytes.size()) return true;
@@ -72,15 +101,29 @@ public:
         return true;
     }
 
-    std::uint64_t SeekEnd() override {
-        const off_t position = ::lseek(descriptor_.Get(), 0, SEEK_END);
-        return position < 0 ? 0 : static_cast<std::uint64_t>(position);
+    bool SeekEnd(ErrorRecord& error, std::uint64_t& position) override {
+        position = 0;
+        const mode_t mode = StatusOf(descriptor_.Get()).st_mode;
+        if (!S_ISREG(mode) && !S_ISBLK(mode)) return true;
+        const off_t end = ::lseek(descriptor_.Get(), 0, SEEK_END);
+        if (end < 0) {
+            error = SystemError();
+            return false;
+        }
+        position = static_cast<std::uint64_t>(end);
+        return true;
+    }
+
+    bool Close(ErrorRecord& error) override {
+        if (descriptor_.Close()) return true;
+        error = SystemError();
+        return false;
     }
 
 private:
     // Takes the last `count` bytes off again; what is no regular file keeps them.
     void CutBack(std::size_t count) {
-        if (count == 0 || !IsRegular(descriptor_.Get())) return;
+        if (count == 0 || !IsRegular()) return;
         const off_t start = ::lseek(descriptor_.Get(), -static_cast<off_t>(count), SEEK_CUR);
         if (start >= 0 && ::ftruncate(descriptor_.Get(), start) != 0)
             ::lseek(descriptor_.Get(), 0, SEEK_END);
@@ -89,14 +132,20 @@ private:
     Descriptor descriptor_;
 };
 
-constexpr mode_t kNewFileMode = 0666;  // less the user's umask
-
 }  // namespace
 
-bool PathExists(const String& name) { return ::access(ToNativeBytes(name).c_str(), F_OK) == 0; }
+bool PathExists(const String& name) {
+    return !HoldsZero(name) && ::access(ToNativeBytes(name).c_str(), F_OK) == 0;
+}
+
+std::optional<FileIdentity> IdentityOf(const String& name) {
+    const std::optional<struct stat> status = StatusOf(name);
+    if (!status) return std::nullopt;
+    return FileIdentity{status->st_dev, status->st_ino};
+}
 
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
-    Descriptor descriptor(::open(ToNativeBytes(name).c_str(), O_RDONLY | O_CLOEXEC));
+    Descriptor descriptor(OpenDescriptor(name, O_RDONLY));
     if (descriptor.Get() < 0) {
         error = SystemError();
         return nullptr;
@@ -113,11 +162,10 @@ std::unique_ptr<InputFile> InputFile::StandardInput() {
 }
 
 std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& name, Mode mode) {
-    const int flags = O_RDWR | O_CLOEXEC | (mode == Mode::CreateNew ? O_CREAT | O_EXCL : 0);
-    Descriptor descriptor(::open(ToNativeBytes(name).c_str(), flags, kNewFileMode));
+    Descriptor descriptor(OpenDescriptor(name, WritingFlags(name, mode)));
     const bool opened = descriptor.Get() >= 0 && LockForWriting(descriptor.Get());
     // Emptied only now that nobody else is writing it.
-    const bool empty = mode == Mode::Truncate && opened && IsRegular(descriptor.Get());
+    const bool empty = mode == Mode::Truncate && opened && IsRegularFile(descriptor.Get());
     if (!opened || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {
         error = SystemError();
         return nullptr;

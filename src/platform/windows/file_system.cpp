@@ -19,13 +19,39 @@ std::int64_t Move(HANDLE handle, std::int64_t distance, DWORD origin) {
     return ::SetFilePointerEx(handle, wanted, &position, origin) == FALSE ? -1 : position.QuadPart;
 }
 
+bool HoldsZero(const String& name) { return name.find(u'\0') != String::npos; }
+
+bool IsDisk(HANDLE handle) { return ::GetFileType(handle) == FILE_TYPE_DISK; }
+
+// The handle of `name`; invalid, with the thread's last error set, when it cannot be opened.
+Handle OpenHandle(const String& name, DWORD access, DWORD sharing, SECURITY_ATTRIBUTES* security,
+                  DWORD disposition, DWORD flags) {
+    if (HoldsZero(name)) {
+        ::SetLastError(ERROR_INVALID_NAME);
+        return Handle(INVALID_HANDLE_VALUE);
+    }
+    return Handle(
+        ::CreateFileW(AsWide(name), access, sharing, security, disposition, flags, nullptr));
+}
+
+// True for the name of a pipe or a device (NUL, CON, COM1), in whichever folder. Files can be named
+// in the same way: \\.\C:\file.
+bool NamesDevice(const String& name) {
+    String full(MAX_PATH, u'\0');
+    const DWORD length = ::GetFullPathNameW(AsWide(name), MAX_PATH, AsWide(full.data()), nullptr);
+    if (length == 0 || length >= MAX_PATH) return false;  // devices have short names
+    full.resize(length);
+    const bool in_volume = full.size() > 6 && full[5] == u':' && full[6] == u'\\';
+    return full.starts_with(u"\\\\.\\") && !in_volume;
+}
+
 class WindowsInputFile final : public InputFile {
 public:
     explicit WindowsInputFile(Handle handle) : handle_(std::move(handle)) {}
 
     std::optional<std::uint64_t> Size() override {
         LARGE_INTEGER size{};
-        if (::GetFileType(handle_.Get()) != FILE_TYPE_DISK) return std::nullopt;
+        if (!IsDisk(handle_.Get())) return std::nullopt;
         if (::GetFileSizeEx(handle_.Get(), &size) == FALSE) return std::nullopt;
         return static_cast<std::uint64_t>(size.QuadPart);
     }
@@ -46,6 +72,8 @@ private:
 class WindowsOutputFile final : public OutputFile {
 public:
     explicit WindowsOutputFile(Handle handle) : handle_(std::move(handle)) {}
+
+    bool IsRegular() const override { return IsDisk(handle_.Get()); }
 
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
         ::SetLastError(ERROR_SUCCESS);
@@ -69,9 +97,22 @@ public:
         return true;
     }
 
-    std::uint64_t SeekEnd() override {
-        return static_cast<std::uint64_t>(
-            std::max<std::int64_t>(Move(handle_.Get(), 0, FILE_END), 0));
+    bool SeekEnd(ErrorRecord& error, std::uint64_t& position) override {
+        position = 0;
+        if (!IsRegular()) return true;
+        const std::int64_t end = Move(handle_.Get(), 0, FILE_END);
+        if (end < 0) {
+            error = SystemError();
+            return false;
+        }
+        position = static_cast<std::uint64_t>(end);
+        return true;
+    }
+
+    bool Close(ErrorRecord& error) override {
+        if (handle_.Close()) return true;
+        error = SystemError();
+        return false;
     }
 
 private:
@@ -100,12 +141,24 @@ DWORD DispositionOf(OutputFile::Mode mode) {
 }  // namespace
 
 bool PathExists(const String& name) {
-    return ::GetFileAttributesW(AsWide(name)) != INVALID_FILE_ATTRIBUTES;
+    return !HoldsZero(name) && ::GetFileAttributesW(AsWide(name)) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::optional<FileIdentity> IdentityOf(const String& name) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    // Folders are opened with backup semantics only.
+    const Handle handle =
+        OpenHandle(name, 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    BY_HANDLE_FILE_INFORMATION found{};
+    if (!handle.Valid() || ::GetFileInformationByHandle(handle.Get(), &found) == FALSE)
+        return std::nullopt;
+    const std::uint64_t high = found.nFileIndexHigh;
+    return FileIdentity{found.dwVolumeSerialNumber, (high << 32) | found.nFileIndexLow};
 }
 
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
-    Handle handle(::CreateFileW(AsWide(name), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    Handle handle = OpenHandle(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!handle.Valid()) {
         error = SystemError();
         return nullptr;
@@ -120,8 +173,12 @@ std::unique_ptr<InputFile> InputFile::StandardInput() {
 
 std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& name, Mode mode) {
     SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    Handle handle(::CreateFileW(AsWide(name), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                                &inheritable, DispositionOf(mode), FILE_ATTRIBUTE_NORMAL, nullptr));
+    const bool device = NamesDevice(name);
+    // The mark of a file must be read before something is added to it.
+    const DWORD access = device ? GENERIC_WRITE : GENERIC_READ | GENERIC_WRITE;
+    const DWORD sharing = device ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
+    Handle handle = OpenHandle(name, access, sharing, &inheritable,
+                               device ? OPEN_EXISTING : DispositionOf(mode), FILE_ATTRIBUTE_NORMAL);
     if (!handle.Valid()) {
         error = SystemError();
         return nullptr;

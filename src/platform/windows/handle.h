@@ -24,6 +24,12 @@ public:
     }
     bool Valid() const { return handle_ != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return handle_; }
+    // Closes it now, if it is owned; false when the system tells of a failure.
+    bool Close() {
+        const bool owned = ownership_ == Ownership::Owned && Valid();
+        const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
+        return !owned || ::CloseHandle(handle) != FALSE;
+    }
 
 private:
     HANDLE handle_;
