@@ -2,7 +2,9 @@
 #include <unistd.h>
 
 #include "base/notices.h"
+#include "base/utf8.h"
 #include "files/dfile.h"
+#include "files/strict_text.h"
 #include "support/scratch.h"
 
 namespace {
@@ -36,4 +38,13 @@ TEST(OddFiles, TellOfDataThatDidNotArrive) {
         EXPECT_TRUE(file.Finish(error));  // nothing is open any more
     }
     EXPECT_EQ(notices, message + u"\n");
+}
+
+TEST(OddFiles, AreLoadedBeyondTheLengthThatTheyClaim) {
+    String text;
+    ErrorRecord error;
+    ASSERT_TRUE(LoadStrictText(error, u"/proc/version", text));  // claims to be empty
+    std::string line;
+    std::getline(std::ifstream("/proc/version"), line);
+    EXPECT_EQ(ToUtf8(text), line + "\n");
 }
