@@ -24,6 +24,13 @@ public:
         ResolveAllMacros(value);
         return value;
     }
+    // A boolean setting with all macros in it replaced; double quotes stay, as in Flag.
+    bool ResolvedFlag(StringView name, bool default_value) const {
+        String value =
+            configuration_->GetValue(section_, name, Quotes::Keep, default_value ? u"1" : u"0");
+        ResolveAllMacros(value);
+        return IsTrue(value);
+    }
     void ResolveAllMacros(String& value) const { configuration_->ResolveAllMacros(value); }
     void ResolveUserMacros(String& value) const { configuration_->ResolveUserMacros(value); }
 

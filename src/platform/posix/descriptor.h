@@ -19,6 +19,8 @@ public:
         if (number_ > STDERR_FILENO) ::close(number_);
     }
     int Get() const { return number_; }
+    // False when the system tells only now that what was written did not arrive; errno tells why.
+    bool Close() { return ::close(std::exchange(number_, -1)) == 0; }
 
 private:
     int number_;

@@ -1,0 +1,17 @@
+#include "platform/posix/native_path.h"
+
+#include <cerrno>
+
+#include "base/utf8.h"
+#include "platform/system_error.h"
+
+namespace platform {
+
+std::optional<std::string> NativePath(ErrorRecord& error, const String& name) {
+    std::string path = ToNativeBytes(name);
+    if (path.find('\0') == std::string::npos) return path;
+    error = SystemError(EINVAL);
+    return std::nullopt;
+}
+
+}  // namespace platform
