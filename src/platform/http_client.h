@@ -28,8 +28,9 @@ public:
 
     virtual ~HttpClient() = default;
 
-    // Opens a session with the system's proxy settings: on Linux those of the environment variables
-    // http_proxy and no_proxy. On failure returns null.
+    // Opens a session with the system's proxy settings and certificate authorities: on Linux those
+    // of the environment variables http_proxy, https_proxy, no_proxy and SSL_CERT_FILE. On failure
+    // returns null.
     static std::unique_ptr<HttpClient> Open(std::uint32_t& code, const String& product,
                                             const HttpLimits& limits = {});
 
@@ -42,9 +43,10 @@ public:
     // target: path and query; begins with "/" and holds only characters that a target may have
     virtual bool OpenRequest(std::uint32_t& code, const String& method, const String& target) = 0;
 
-    // Sends the prepared request, follows redirects and hands the body of the response to `take`,
-    // in pieces of up to kPieceBytes bytes. False when no response came. A response of any status
-    // is success, and so is one whose body breaks off: `take` got the pieces before that.
+    // Sends the prepared request, follows redirects, also to https, and hands the body of the
+    // response to `take`, in pieces of up to kPieceBytes bytes. False when no response came. A
+    // response of any status is success, and so is one whose body breaks off: `take` got the pieces
+    // before that.
     virtual bool Send(std::uint32_t& code, const TakePiece& take) = 0;
 };
 

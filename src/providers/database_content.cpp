@@ -1,5 +1,6 @@
 #include "providers/database_content.h"
 
+#include "base/notices.h"
 #include "files/format.h"
 
 namespace DataProviders {
@@ -61,6 +62,10 @@ bool ParseNames(String& error, StringView names, std::vector<TableEntry>& tables
     }
 }
 
+void WarnOfLoss(const String& reason) {
+    TellNotice(Format(u"Warning: reading from the database failed: %s\n", reason));
+}
+
 // A name between double quotes, those in it doubled (SQL-92, delimited identifier).
 void AppendQuoted(String& query, StringView name) {
     query += u'"';
@@ -79,6 +84,8 @@ bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSe
     settings_ = settings;
     tables_.clear();
     next_ = 0;
+    missing_tables_ = settings.Word(kMissingTables, MissingTables::End);
+    loss_fails_step_ = false;
     DataStorages::ConnectionSettings connection;
     if (!connection.Read(settings)) {
         error = u"The database type or connection type is not supported yet";
@@ -94,10 +101,25 @@ bool DatabaseContent::ListTables(String& error, const String& names) {
 }
 
 bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
-    if (!error.empty()) TellOfLostRows(error);  // of the table before
+    if (!error.empty()) WarnOfLoss(error);  // of the table before
     error.clear();
-    if (!database_ || next_ == tables_.size()) return false;
-    const TableEntry& table = tables_[next_++];
+    loss_.clear();
+    while (database_ && next_ != tables_.size()) {
+        const TableEntry& table = tables_[next_++];
+        if (SelectTable(error, table, rows)) return true;
+        if (missing_tables_ == MissingTables::Skip) {
+            WarnOfLoss(error);
+            if (next_ != tables_.size()) error.clear();
+            continue;
+        }
+        loss_fails_step_ = missing_tables_ == MissingTables::Stop;
+        if (loss_fails_step_) loss_ = error;
+        return false;
+    }
+    return false;
+}
+
+bool DatabaseContent::SelectTable(String& error, const TableEntry& table, RowSet& rows) {
     String query = u"select * from ";
     if (!table.Detail.empty()) {
         AppendQuoted(query, table.Detail);

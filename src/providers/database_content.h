@@ -19,15 +19,20 @@ public:
     // The database's own messages; after a failed query the query text follows on its own line.
     // Without a text where there is no table.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
-    // Goes on to the next table. Fails as its query does; the tables behind it are then not read.
+    // Goes on to the next table. One that cannot be read ends the rows, is left out with a notice,
+    // or fails the step, as `MissingTables` says.
     bool HasMoreData(String& error, RowSet& rows) override;
 
 private:
+    enum class MissingTables { End, Skip, Stop };
+
     bool ListTables(String& error, const String& names);
+    bool SelectTable(String& error, const DataStorages::TableEntry& table, RowSet& rows);
 
     std::optional<SectionSettings> settings_;
     std::vector<DataStorages::TableEntry> tables_;
     std::size_t next_ = 0;
+    MissingTables missing_tables_ = MissingTables::End;
 };
 
 }  // namespace DataProviders

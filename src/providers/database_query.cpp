@@ -87,18 +87,19 @@ bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet&
         error = u"The data source or connection string is not provided.";
         return false;
     }
+    row_follows_columns_ = settings.Follows(Rule::RowFollowsColumns);
     String query;
     if (!ReadQuery(error, settings, query) || !Connect(error, connection)) return false;
     settings.ResolveAllMacros(query);
     return RunQuery(error, query, rows);
 }
 
-// A row of the next result set has its own number of values.
 bool DatabaseQuery::HasMoreData(String& error, RowSet& rows) {
     if (!database_) return false;
     const bool more = database_->HasMoreData(error, rows);
-    if (more) rows.ClearRow();
-    if (!more) TellOfLostRows();
+    loss_.clear();
+    if (!more) NoteLoss(error);
+    if (more && row_follows_columns_) rows.ClearRow();
     return more;
 }
 

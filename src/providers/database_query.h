@@ -16,7 +16,12 @@ public:
     // "The query file '%s' is empty"
     // The database's own messages; after a failed query the query text follows on its own line.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+    // The row keeps its length, so that targets refuse the rows of a narrower result set, unless
+    // the job wants rows to follow their columns.
     bool HasMoreData(String& error, RowSet& rows) override;
+
+private:
+    bool row_follows_columns_ = false;
 };
 
 }  // namespace DataProviders

@@ -1,8 +1,5 @@
 #include "providers/database_source.h"
 
-#include "files/format.h"
-#include "platform/console.h"
-
 namespace DataProviders {
 
 DatabaseSource::~DatabaseSource() { DatabaseSource::Close(); }
@@ -23,16 +20,12 @@ bool DatabaseSource::RunQuery(String& error, const String& query, RowSet& rows) 
 bool DatabaseSource::Fetch(String& error, RowSet& rows, bool track_widths) {
     if (!database_) return false;
     const bool fetched = database_->Fetch(error, rows, track_widths);
-    if (!fetched) TellOfLostRows();
+    if (!fetched) NoteLoss(error);
     return fetched;
 }
 
-void DatabaseSource::TellOfLostRows(const String& reason) {
-    platform::WriteErrorText(Format(u"Warning: reading from the database failed: %s\n", reason));
-}
-
-void DatabaseSource::TellOfLostRows() const {
-    if (database_->ReadingFailed()) TellOfLostRows(database_->LastError());
+void DatabaseSource::NoteLoss(const String& error) {
+    loss_ = database_->ReadingFailed() ? database_->LastError() : error;
 }
 
 bool DatabaseSource::Close() { return database_ && database_->Close(); }

@@ -14,8 +14,7 @@ class DatabaseSource : public DataProvider {
 public:
     ~DatabaseSource() override;
 
-    // A failure of the driver ends the data; standard error then says
-    // "Warning: reading from the database failed: %s".
+    // A failure of the driver ends the data without an error, but not without a loss; see Loss.
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool Close() override;
 
@@ -25,11 +24,8 @@ protected:
     // Runs a query and describes its columns. After a failure the query text follows the
     // database's message on its own line.
     bool RunQuery(String& error, const String& query, RowSet& rows);
-    // Tells standard error that reading ended before its time. A step takes that for the end of
-    // the data; whoever watches the job must be able to find out.
-    static void TellOfLostRows(const String& reason);
-    // The same, where the database met a failure that it took for the end.
-    void TellOfLostRows() const;
+    // Notes why reading has ended, where the end of the data was not the reason.
+    void NoteLoss(const String& error);
 
     std::unique_ptr<DataStorages::ODBCDatabase> database_;
 };

@@ -81,6 +81,7 @@ bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows
     if (!OpenInput(error, settings)) return false;
     ReadLayout(settings);
     line_pending_ = false;
+    line_number_ = 0;
     if (header_) {
         if (!ReadLine(error)) return false;
         Split(OuterQuotes::Keep);
@@ -109,6 +110,7 @@ bool TextFile::OpenInput(String& error, const SectionSettings& settings) {
     }
     settings.ResolveUserMacros(kName, name);
     file_.SetConsoleInput(console);
+    input_file_ = console ? String() : name;
     ErrorRecord open_error;
     if (file_.OpenForReading(open_error, name)) return true;
     error = open_error.text;
@@ -140,8 +142,9 @@ void TextFile::DescribeColumns(RowSet& rows) const {
 }
 
 bool TextFile::ReadLine(String& error) {
+    ++line_number_;
     if (file_.ReadLine(line_)) return true;
-    if (file_.ReadFailed()) error = u"Could not read the file to its end.";
+    if (file_.ReadFailed()) loss_ = error = u"Could not read the file to its end.";
     return false;
 }
 

@@ -23,6 +23,8 @@ public:
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool Close() override;
     bool CanReopen() const override { return file_.CanReopen(); }
+    String InputFile() const override { return input_file_; }
+    std::uint64_t Line() const override { return line_number_; }
 
 private:
     bool OpenInput(String& error, const SectionSettings& settings);
@@ -33,6 +35,8 @@ private:
     void DescribeColumns(RowSet& rows) const;
 
     dFile file_;
+    String input_file_;  // empty for standard input
+    std::uint64_t line_number_ = 0;
     bool has_comments_ = false;
     char16_t comment_ = 0;
     bool skip_incomplete_lines_ = true;

@@ -1,5 +1,7 @@
 #include "system/file_commands.h"
 
+#include <optional>
+
 #include "config/encoding_setting.h"
 #include "files/dfile.h"
 #include "files/format.h"
@@ -95,8 +97,8 @@ bool Refuse(String& error, StringView prefix, StringView reason) {
     return false;
 }
 
-// Puts a prefix before the system's text.
-bool Told(String& error, bool done, StringView prefix, const ErrorRecord& reason) {
+// Passes a success on, and a failure with a prefix before the system's text.
+bool Report(String& error, bool done, StringView prefix, const ErrorRecord& reason) {
     return done || Refuse(error, prefix, reason.text);
 }
 
@@ -111,20 +113,24 @@ struct PathNames {
     bool TooLong() const { return IsTooLong(from) || IsTooLong(to); }
 };
 
-// Puts what was to be done behind the system's text.
-bool Told(String& error, bool done, const ErrorRecord& reason, StringView verb,
-          const PathNames& names) {
+// Passes a success on, and a failure with what was to be done behind the system's text.
+bool Report(String& error, bool done, const ErrorRecord& reason, StringView verb,
+            const PathNames& names) {
     return done ||
            Refuse(error, reason.text, Format(u" %s '%s' to '%s'", verb, names.from, names.to));
 }
 
 bool Move(String& error, const PathNames& names) {
     ErrorRecord reason;
-    return Told(error, platform::MovePath(reason, names.from, names.to), reason, u"Move", names);
+    return Report(error, platform::MovePath(reason, names.from, names.to), reason, u"Move", names);
 }
 
-bool CheckFileNames(String& error, const PathNames& names, StringView prefix) {
+// verb: what is to be done, as a message begins
+bool CheckFileNames(String& error, const PathNames& names, StringView verb) {
+    const String prefix = Format(u"%s File: ", verb);
     if (!names.Complete()) return Refuse(error, prefix, u"from or to file name is empty.");
+    ErrorRecord reason;
+    if (!platform::CheckName(reason, names.from)) return Report(error, false, reason, verb, names);
     return platform::PathExists(names.from) ||
            Refuse(error, prefix, u"source file does not exist.");
 }
@@ -143,11 +149,12 @@ String WithoutEndSeparators(String name) {
 }
 
 // True for folders that nobody wants to lose: roots, "..", the one that the program runs in.
-bool IsProtected(const String& folder) {
+// Nothing when the system does not tell where the name leads.
+std::optional<bool> IsProtected(ErrorRecord& reason, const String& folder) {
     const std::size_t separator = folder.find_last_of(u"/\\");
     const String last = folder.substr(separator + 1);  // npos + 1 is 0
-    return last == u"." || last == u".." || platform::IsRoot(folder) ||
-           platform::IsWithin(platform::CurrentFolder(), folder);
+    if (last == u"." || last == u"..") return true;
+    return platform::IsRootOrHoldsCurrentFolder(reason, folder);
 }
 
 }  // namespace
@@ -160,26 +167,27 @@ KeyList WriteFileKeys() { return {kWriteFileKeys}; }
 
 bool CopyFileCommand(String& error, const SectionSettings& settings) {
     const PathNames names(settings, kFromFile, kToFile);
-    if (!CheckFileNames(error, names, u"Copy File: ")) return false;
+    if (!CheckFileNames(error, names, u"Copy")) return false;
     ErrorRecord reason;
     const bool copied = platform::CopyOneFile(reason, names.from, names.to);
-    return Told(error, copied, reason, u"Copy", names);
+    return Report(error, copied, reason, u"Copy", names);
 }
 
 bool MoveFileCommand(String& error, const SectionSettings& settings) {
     const PathNames names(settings, kFromFile, kToFile);
-    return CheckFileNames(error, names, u"Move File: ") && Move(error, names);
+    return CheckFileNames(error, names, u"Move") && Move(error, names);
 }
 
 bool CopyFolderCommand(String& error, const SectionSettings& settings) {
     const PathNames names(settings, kFromFolder, kToFolder);
     if (!CheckFolderNames(error, names, u"Copy Folder: ")) return false;
-    if (platform::IsWithin(names.to, names.from)) {
-        return Refuse(error, u"CopyFolder: ", u"the target is within the source");
-    }
+    constexpr StringView kPrefix = u"CopyFolder: ";
     ErrorRecord reason;
+    const std::optional<bool> within = platform::IsWithin(reason, names.to, names.from);
+    if (!within) return Report(error, false, kPrefix, reason);
+    if (*within) return Refuse(error, kPrefix, u"the target is within the source");
     const bool copied = platform::CopyFolderContent(reason, names.from, names.to);
-    return Told(error, copied, u"CopyFolder: ", reason);
+    return Report(error, copied, kPrefix, reason);
 }
 
 bool MoveFolderCommand(String& error, const SectionSettings& settings) {
@@ -190,12 +198,13 @@ bool MoveFolderCommand(String& error, const SectionSettings& settings) {
 bool DeleteFileCommand(String& error, const SectionSettings& settings) {
     const String file = settings.Text(kDeletedFile);
     if (file.empty()) return Refuse(error, u"Delete file: ", u"file name is empty.");
+    ErrorRecord reason;
+    if (!platform::CheckName(reason, file)) return Report(error, false, {}, reason);
     if (!platform::PathExists(file)) {
         error = Format(u"Delete File: source file '%s' does not exist.", file);
         return false;
     }
-    ErrorRecord reason;
-    return Told(error, platform::RemoveOneFile(reason, file), {}, reason);
+    return Report(error, platform::RemoveOneFile(reason, file), {}, reason);
 }
 
 bool DeleteFolderCommand(String& error, const SectionSettings& settings) {
@@ -203,14 +212,17 @@ bool DeleteFolderCommand(String& error, const SectionSettings& settings) {
     const String folder = WithoutEndSeparators(settings.Text(kDeletedFolder));
     if (folder.empty()) return Refuse(error, u"Delete folder: ", u"folder name is empty.");
     if (IsTooLong(folder)) return Refuse(error, kPrefix, u"name is too long");
+    ErrorRecord reason;
+    if (!platform::CheckName(reason, folder)) return Report(error, false, kPrefix, reason);
     if (!platform::IsFolder(folder)) {
         return Refuse(error, kPrefix, u"folder to be deleted does not exist");
     }
-    if (IsProtected(folder)) {
+    const std::optional<bool> is_protected = IsProtected(reason, folder);
+    if (!is_protected) return Report(error, false, kPrefix, reason);
+    if (*is_protected) {
         return Refuse(error, kPrefix, u"the folder is a root, '..' or holds the current folder");
     }
-    ErrorRecord reason;
-    return Told(error, platform::RemoveFolder(reason, folder), kPrefix, reason);
+    return Report(error, platform::RemoveFolder(reason, folder), kPrefix, reason);
 }
 
 bool WriteFileCommand(String& error, const SectionSettings& settings) {
@@ -226,5 +238,5 @@ bool WriteFileCommand(String& error, const SectionSettings& settings) {
     const bool written = file.Open(reason, name, encoding, !overwrite) &&
                          file.Write(reason, text) && file.Write(reason, u"\r\n");
     file.Close();
-    return Told(error, written, {}, reason);
+    return Report(error, written, {}, reason);
 }

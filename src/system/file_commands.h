@@ -1,6 +1,6 @@
 // The commands of a System step that work on files and folders. Each reads its keys from the
 // section, macros replaced in all of them, and fails with one of the texts below or, where they say
-// so, with the system's.
+// so, with the system's. That is also the text for a name with a zero character inside.
 #pragma once
 
 #include "base/strings.h"

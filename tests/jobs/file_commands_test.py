@@ -9,6 +9,7 @@ import argparse
 import os
 import pathlib
 import shutil
+import stat
 import subprocess
 import sys
 import tempfile
@@ -21,6 +22,8 @@ LINUX_ONLY = unittest.skipIf(WINDOWS, "links and rights of Linux")
 
 
 class FileCommands(unittest.TestCase):
+    limits = ()  # a command that starts the program within limits
+
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
@@ -41,8 +44,8 @@ class FileCommands(unittest.TestCase):
         user = {"user": NOBODY, "group": NOBODY} if getattr(self, "unprivileged", False) else {}
         # Through a file: a launcher's background process may hold on to a pipe for long.
         with tempfile.TemporaryFile() as output:
-            status = subprocess.run([*COMMAND, "-config=job.qpr", "-silent", *arguments],
-                                    cwd=self.path, stdout=output, timeout=120,
+            status = subprocess.run([*self.limits, *COMMAND, "-config=job.qpr", "-silent",
+                                     *arguments], cwd=self.path, stdout=output, timeout=120,
                                     env=os.environ | {"LC_ALL": "C.UTF-8"}, **user).returncode
             output.seek(0)
             said = output.read().decode().rstrip("\r\n")
@@ -148,11 +151,156 @@ class FileCommands(unittest.TestCase):
             self.assertEqual(os.listdir(other), ["file"])
             self.assertEqual(pathlib.Path(other, "file").read_text(), "new")
             self.assertFalse((self.path / "file").exists())
-            self.write("folder/file")
+            self.write("file")
+            pathlib.Path(other, "sub").mkdir()
+            self.run_command("MoveFile", f"Is a directory Move 'file' to '{other}/sub'",
+                             From="file", To=f"{other}/sub")
+            self.assertEqual((self.tree("."), self.tree(other)), (
+                {"file": "text", "job.qpr": (self.path / "job.qpr").read_text()},
+                {"file": "new", "sub": None}))
+            self.write("folder/file").parent.chmod(0o555)
+            for folder in (self.path, pathlib.Path(other)):
+                folder.chmod(0o777)
+            self.unprivileged = os.geteuid() == 0
+            self.run_command("MoveFile", f"Permission denied Move 'folder/file' to '{other}/file'",
+                             From="folder/file", To=f"{other}/file")
+            self.unprivileged = False
+            self.assertEqual(self.tree(other), {"file": "new", "sub": None})
             self.run_command("MoveFolder", "Invalid cross-device link Move 'folder' to "
                              f"'{other}/folder'", From="folder", To=f"{other}/folder")
             self.run_command("CopyFolder", From="folder", To=f"{other}/folder")
             self.assertEqual(self.tree(f"{other}/folder"), {"file": "text"})
+            os.chmod(self.path / "folder", 0o755)
+
+    def copy_onto(self, old, **status):
+        """Copies a file of the rights 0640 onto `old` and checks what became of the old one."""
+        self.write("new", "new").chmod(0o640)
+        self.run_command("CopyFile", From="new", To=old)
+        made = os.stat(self.path / old)
+        self.assertEqual((self.path / old).read_text(), "new")
+        self.assertEqual({name: getattr(made, name) for name in status}, status)
+
+    @LINUX_ONLY
+    def test_copies_onto_files_keep_what_they_are(self):
+        self.write("old").chmod(0o604)
+        self.write("sub/behind")
+        (self.path / "link").symlink_to("sub/behind")
+        (self.path / "nowhere").symlink_to("sub/made")
+        os.link(self.path / "old", self.path / "second name")
+        for name, linked in (("link", "sub/behind"), ("nowhere", "sub/made"),
+                             ("old", "second name")):
+            self.copy_onto(name)
+            self.assertTrue(os.path.samefile(self.path / name, self.path / linked))
+        self.copy_onto("old", st_mode=stat.S_IFREG | 0o604, st_nlink=2)
+        os.unlink(self.path / "second name")
+        self.copy_onto("old", st_mode=stat.S_IFREG | 0o604)
+        self.copy_onto("another", st_mode=stat.S_IFREG | 0o640)
+        if os.geteuid() == 0:
+            os.chown(self.path / "old", NOBODY, 12345)
+            self.copy_onto("old", st_mode=stat.S_IFREG | 0o604, st_uid=NOBODY, st_gid=12345)
+        self.assertEqual(set(os.listdir(self.path / "sub")), {"behind", "made"})
+        os.mkfifo(self.path / "pipe")
+        self.run_command("CopyFile", "Operation not supported Copy 'new' to 'pipe'", From="new",
+                         To="pipe")
+
+    @LINUX_ONLY
+    def test_copies_where_the_folder_takes_no_other_file(self):
+        self.write("new", "new").chmod(0o644)
+        for name, mode in (("open", 0o666), ("closed", 0o644)):
+            self.write(f"locked/{name}", "old and longer").chmod(mode)
+        os.chmod(self.path, 0o777)
+        self.write("read only", "old").chmod(0o444)
+        os.chmod(self.path / "locked", 0o555)
+        self.unprivileged = os.geteuid() == 0
+        self.run_command("CopyFile", From="new", To="locked/open")
+        for old in ("locked/closed", "read only"):
+            self.run_command("CopyFile", f"Permission denied Copy 'new' to '{old}'", From="new",
+                             To=old)
+        self.assertEqual(self.tree("locked"), {"open": "new", "closed": "old and longer"})
+        self.assertEqual((self.path / "read only").read_text(), "old")
+        os.chmod(self.path / "locked", 0o755)
+
+    @LINUX_ONLY
+    def test_a_copy_that_fails_leaves_the_old_file(self):
+        self.write("new", "new" * 100_000)
+        self.write("old", "old")
+        self.limits = ("prlimit", "--fsize=100000")
+        for name in ("old", "another"):
+            self.run_command("CopyFile", f"File too large Copy 'new' to '{name}'", From="new",
+                             To=name)
+        self.assertEqual((self.path / "old").read_text(), "old")
+        self.assertEqual(set(os.listdir(self.path)), {"new", "old", "job.qpr"})
+
+    def test_copies_at_the_same_time_do_not_mix(self):
+        for name in "ab":
+            self.write(name, name * 8_000_000)
+            self.write(f"{name}.qpr", "".join(
+                f"Step {number}\nSystem\nCommand=CopyFile\nFrom={name}\nTo={target}\n"
+                for number, target in enumerate(["old", "linked"] * 4)))
+        self.write("old")
+        os.link(self.write("linked"), self.path / "second name")
+        runs = [subprocess.Popen([*COMMAND, f"-config={name}.qpr", "-silent"], cwd=self.path,
+                                 stdout=subprocess.DEVNULL) for name in "ab"]
+        statuses = [run.wait(timeout=120) for run in runs]
+        for name in ("old", "linked"):
+            content = (self.path / name).read_text()
+            self.assertEqual((len(set(content)), len(content)), (1, 8_000_000))
+        if not WINDOWS:  # where a file that is being written is not open to others
+            self.assertEqual(statuses, [0, 0])
+
+    @LINUX_ONLY
+    def test_names_that_lead_nowhere(self):
+        (self.path / "loop").symlink_to("loop")
+        self.write("closed/from/file").parent.parent.chmod(0o600)
+        os.chmod(self.path, 0o777)
+        self.unprivileged = os.geteuid() == 0
+        for name, reason in (("loop", "Too many levels of symbolic links"),
+                             ("x" * 256, "File name too long"),
+                             ("closed/from", "Permission denied")):
+            self.run_command("CopyFolder", f"CopyFolder: {reason}", From=name, To="to")
+            self.run_command("CopyFolder", f"CopyFolder: {reason}", From="closed", To=name)
+        self.assertEqual(set(os.listdir(self.path)), {"loop", "closed", "job.qpr"})
+
+    @LINUX_ONLY
+    def test_delete_folder_where_the_current_folder_is_too_deep(self):
+        start = os.getcwd()
+        self.addCleanup(os.chdir, start)
+        os.chdir(self.path)
+        for _ in range(20):
+            os.mkdir("d" * 250)
+            os.chdir("d" * 250)
+        os.makedirs("folder/sub")
+        self.path = pathlib.Path()
+        self.run_command("DeleteFolder", "DeleteFolder: File name too long", Folder="folder")
+        self.assertTrue(os.path.isdir("folder/sub"))
+
+    def test_names_with_a_zero_character(self):
+        self.write("tree/file", "kept")
+        self.write("file", "kept")
+        reason = "Invalid name." if WINDOWS else "Invalid argument"
+        copy, move = (f"{reason} {verb} 'file' to 'tree/file\0.old'" for verb in ("Copy", "Move"))
+        for command, message, keys in (
+                ("CopyFile", copy, {"From": "file", "To": "tree/file\0.old"}),
+                ("MoveFile", move, {"From": "file", "To": "tree/file\0.old"}),
+                ("MoveFolder", move, {"From": "file", "To": "tree/file\0.old"}),
+                ("CopyFile", f"{reason} Copy 'file\0.old' to 'x'", {"From": "file\0.old", "To": "x"}),
+                ("MoveFile", f"{reason} Move 'file\0.old' to 'x'", {"From": "file\0.old", "To": "x"}),
+                ("CopyFolder", f"CopyFolder: {reason}", {"From": "tree\0.old", "To": "x"}),
+                ("CopyFolder", f"CopyFolder: {reason}", {"From": "tree", "To": "x\0.old"}),
+                ("DeleteFile", reason, {"File": "file\0.old"}),
+                ("DeleteFolder", f"DeleteFolder: {reason}", {"Folder": "tree\0.old"})):
+            self.run_command(command, message, **keys)
+        self.assertEqual((self.tree("tree"), (self.path / "file").read_text()),
+                         ({"file": "kept"}, "kept"))
+        self.assertFalse((self.path / "x").exists())
+
+    def test_overwrite_takes_macros(self):
+        for overwrite, flag, content in (("$F$", "1", "new\r\n"), ("$F$", "0", "oldnew\r\n"),
+                                         ("$F$e", "tru", "new\r\n"), ("$G$", "1", "oldnew\r\n"),
+                                         ('"1"', "", "oldnew\r\n")):
+            self.write("file", "old")
+            self.run_command("WriteFile", File="file", Text="new", Overwrite=overwrite, F=flag)
+            self.assertEqual((self.path / "file").read_bytes().decode(), content)
 
     def test_odd_names(self):
         self.write("blanks and ü 😀.txt", "x")

@@ -14,7 +14,7 @@ import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "servers"))
-from web_server import LARGE_BYTES, WebServer  # noqa: E402
+from web_server import CERTIFICATE, LARGE_BYTES, WebServer  # noqa: E402
 
 OPTIONS = None
 
@@ -151,6 +151,18 @@ class HttpCall(unittest.TestCase):
         self.assert_not_sent(47, (), Parameters="/loop")
         self.assertEqual(len(self.server.requests), 11)
         self.assert_not_sent(1, (), Parameters="/elsewhere")
+
+    @unittest.skipIf("--windows" in sys.argv, "Windows has certificates of its own")
+    def test_redirects_to_https(self):
+        secure = self.enterContext(WebServer(secure=True))
+        path = f"/secure/{secure.port}"
+        trusted = {"SSL_CERT_FILE": str(CERTIFICATE)}
+        self.assert_not_sent(60, (), Parameters=path)
+        self.assertEqual(secure.requests, [])
+        self.assert_succeeds(Parameters=path, Method="POST", environment=trusted)
+        self.assertEqual([line for line, _, _ in secure.requests], [b"GET /arrived HTTP/1.1"])
+        proxy = {"https_proxy": f"http://127.0.0.1:{self.server.port}"}
+        self.assert_not_sent(35, (), Parameters=path, environment=trusted | proxy)
 
     def test_no_response(self):
         self.assert_not_sent(56, (12030, 12031, 12152), Parameters="/reset")

@@ -13,6 +13,7 @@ What it does is settled by the path:
     /redirect/N      N redirects and then an answer; to /redirect/0
     /loop            a redirect to itself
     /elsewhere       a redirect to another scheme
+    /secure/PORT     a redirect to https on that port
     /silent          never answers
     /garbage         bytes that are no response
     /close           closes the connection without an answer
@@ -21,17 +22,22 @@ What it does is settled by the path:
     /bad-chunk       breaks off in a chunked body with something that is no chunk
     /reset-body      resets the connection in the body
 
-Everything else is answered with "fine". It takes requests to a proxy as well.
+Everything else is answered with "fine". It takes requests to a proxy as well, and agrees to open a
+tunnel only to close it.
 """
 import argparse
+import pathlib
 import socket
 import socketserver
+import ssl
 import struct
 import sys
 import threading
 import time
 import urllib.parse
 
+# Key and certificate of a server at 127.0.0.1, its own authority; for tests alone.
+CERTIFICATE = pathlib.Path(__file__).with_suffix(".pem")
 LARGE_BYTES = 100_000_000
 
 
@@ -116,6 +122,9 @@ class Handler(socketserver.StreamRequestHandler):
     def do_elsewhere(self):
         self.respond(302, b"moved", b"Location: ftp://127.0.0.1/file")
 
+    def do_secure(self, port):
+        self.respond(302, b"moved", b"Location: https://127.0.0.1:%d/arrived" % port)
+
     def do_silent(self):
         self.server.owner.ended.wait()
 
@@ -144,13 +153,17 @@ class WebServer:
     """The server, running as long as its block. `requests` holds what came: the first line, the
     headers by their names in small letters, the body."""
 
-    def __init__(self, address=("127.0.0.1", 0), log=None):
+    def __init__(self, address=("127.0.0.1", 0), log=None, secure=False):
         self.requests = []
         self.large_was_read = threading.Event()
         self.ended = threading.Event()
         self.log = log
         socketserver.ThreadingTCPServer.allow_reuse_address = True
         self.server = socketserver.ThreadingTCPServer(address, Handler)
+        if secure:
+            context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+            context.load_cert_chain(CERTIFICATE)
+            self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
         self.server.daemon_threads = True
         self.server.owner = self
         self.port = self.server.server_address[1]

@@ -3,18 +3,16 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 
-#include "base/utf8.h"
+#include "platform/posix/file_copy.h"
+#include "platform/posix/native_path.h"
 #include "platform/system_error.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path PathOf(const String& name) { return ToNativeBytes(name); }
 
 // True without an error; else the system's text of it.
 bool Succeeded(ErrorRecord& error, const std::error_code& code) {
@@ -24,33 +22,6 @@ bool Succeeded(ErrorRecord& error, const std::error_code& code) {
 
 bool Fail(ErrorRecord& error, std::errc code) {
     return Succeeded(error, std::make_error_code(code));
-}
-
-bool CopyFileContent(ErrorRecord& error, const fs::path& from, const fs::path& to) {
-    std::error_code code;
-    fs::copy_file(from, to, fs::copy_options::overwrite_existing, code);
-    if (!Succeeded(error, code)) return false;
-    const fs::file_time_type written = fs::last_write_time(from, code);
-    if (!code) fs::last_write_time(to, written, code);  // as well as it goes
-    return true;
-}
-
-// Copies a file or a link under a name of its own first, so that what is there stays until all of
-// the new one is.
-bool MoveToOtherFileSystem(ErrorRecord& error, const fs::path& from, const fs::path& to) {
-    fs::path copy = to;
-    copy += ".part";
-    copy += std::to_string(::getpid());
-    std::error_code code;
-    if (fs::is_symlink(fs::symlink_status(from, code))) {
-        fs::copy_symlink(from, copy, code);
-    } else if (!CopyFileContent(error, from, copy)) {
-        fs::remove(copy, code);
-        return false;
-    }
-    if (!code) fs::rename(copy, to, code);
-    if (!code) fs::remove(from, code);
-    return Succeeded(error, code);
 }
 
 bool CopyTree(ErrorRecord& error, const fs::path& from, const fs::path& to);
@@ -75,7 +46,7 @@ bool CopyEntry(ErrorRecord& error, const fs::path& from, const fs::path& to) {
     code.clear();
     if (fs::is_symlink(target) || (link && fs::exists(target))) fs::remove(to, code);
     if (!Succeeded(error, code)) return false;
-    if (!link) return CopyFileContent(error, from, to);
+    if (!link) return CopyRegularFile(error, from, to);
     fs::copy_symlink(from, to, code);
     return Succeeded(error, code);
 }
@@ -90,67 +61,99 @@ bool CopyTree(ErrorRecord& error, const fs::path& from, const fs::path& to) {
     return Succeeded(error, code);
 }
 
-}  // namespace
-
-bool IsFolder(const String& name) {
+// Where a name leads, links resolved; the end of it need not exist.
+std::optional<fs::path> Resolve(ErrorRecord& error, const fs::path& name) {
     std::error_code code;
-    return fs::is_directory(fs::symlink_status(PathOf(name), code));
+    fs::path path = fs::absolute(name, code);
+    if (!code) path = fs::weakly_canonical(path, code);
+    if (!Succeeded(error, code)) return std::nullopt;
+    return path;
 }
 
-bool IsWithin(const String& path, const String& folder) {
-    std::error_code code;
-    const fs::path inner = fs::weakly_canonical(fs::absolute(PathOf(path), code), code);
-    const fs::path outer = fs::weakly_canonical(fs::absolute(PathOf(folder), code), code);
-    return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first ==
+std::optional<fs::path> Resolve(ErrorRecord& error, const String& name) {
+    const auto native = NativePath(error, name);
+    return native ? Resolve(error, fs::path(*native)) : std::nullopt;
+}
+
+// inner: a name or a path
+template <typename Name>
+std::optional<bool> Holds(ErrorRecord& error, const fs::path& outer, const Name& inner) {
+    const auto path = Resolve(error, inner);
+    if (!path) return std::nullopt;
+    return std::mismatch(outer.begin(), outer.end(), path->begin(), path->end()).first ==
            outer.end();
 }
 
-bool IsRoot(const String& name) {
-    std::error_code code;
-    const fs::path path = fs::weakly_canonical(fs::absolute(PathOf(name), code), code);
-    return path == path.root_path();
+}  // namespace
+
+bool CheckName(ErrorRecord& error, const String& name) {
+    return NativePath(error, name).has_value();
 }
 
-String CurrentFolder() {
+bool IsFolder(const String& name) {
+    ErrorRecord error;
     std::error_code code;
-    return FromNativeBytes(fs::current_path(code).native());
+    const auto native = NativePath(error, name);
+    return native && fs::is_directory(fs::symlink_status(*native, code));
+}
+
+std::optional<bool> IsWithin(ErrorRecord& error, const String& path, const String& folder) {
+    const auto outer = Resolve(error, folder);
+    return outer ? Holds(error, *outer, path) : std::nullopt;
+}
+
+std::optional<bool> IsRootOrHoldsCurrentFolder(ErrorRecord& error, const String& folder) {
+    const auto path = Resolve(error, folder);
+    if (!path) return std::nullopt;
+    if (*path == path->root_path()) return true;
+    std::error_code code;
+    const fs::path current = fs::current_path(code);
+    if (code == std::errc::no_such_file_or_directory) return false;  // somebody removed it
+    return Succeeded(error, code) ? Holds(error, *path, current) : std::nullopt;
 }
 
 bool CopyOneFile(ErrorRecord& error, const String& from, const String& to) {
-    return CopyFileContent(error, PathOf(from), PathOf(to));
+    const auto source = NativePath(error, from);
+    const auto target = source ? NativePath(error, to) : std::nullopt;
+    return target && CopyRegularFile(error, *source, *target);
 }
 
 bool MovePath(ErrorRecord& error, const String& from, const String& to) {
-    const fs::path source = PathOf(from);
-    const fs::path target = PathOf(to);
+    const auto source = NativePath(error, from);
+    const auto target = source ? NativePath(error, to) : std::nullopt;
+    if (!target) return false;
+    const bool folder = IsFolder(from);
     // Unlike the system's own call: an empty folder is not replaced either.
-    if (IsFolder(from) && IsFolder(to) && source != target) {
-        return Fail(error, std::errc::file_exists);
-    }
+    if (folder && IsFolder(to) && *source != *target) return Fail(error, std::errc::file_exists);
     std::error_code code;
-    fs::rename(source, target, code);
-    if (code == std::errc::cross_device_link && !IsFolder(from)) {
-        return MoveToOtherFileSystem(error, source, target);
-    }
+    fs::rename(*source, *target, code);
+    if (code == std::errc::cross_device_link && !folder) return MoveByCopy(error, *source, *target);
     return Succeeded(error, code);
 }
 
 bool RemoveOneFile(ErrorRecord& error, const String& file) {
-    if (::unlink(ToNativeBytes(file).c_str()) == 0) return true;
+    const auto native = NativePath(error, file);
+    if (!native) return false;
+    if (::unlink(native->c_str()) == 0) return true;
     error = SystemError();
     return false;
 }
 
 bool CopyFolderContent(ErrorRecord& error, const String& from, const String& to) {
+    const auto source = NativePath(error, from);
+    const auto target = source ? NativePath(error, to) : std::nullopt;
+    if (!target) return false;
     std::error_code code;
-    const fs::directory_iterator readable(PathOf(from), code);
-    if (!code) fs::create_directories(PathOf(to), code);
-    return Succeeded(error, code) && CopyTree(error, PathOf(from), PathOf(to));
+    const fs::directory_iterator readable(*source, code);
+    if (!code) fs::create_directories(*target, code);
+    return Succeeded(error, code) && CopyTree(error, *source, *target);
 }
 
 bool RemoveFolder(ErrorRecord& error, const String& folder) {
+    const auto native = NativePath(error, folder);
+    if (!native) return false;
     std::error_code code;
-    fs::remove_all(PathOf(folder), code);
+    fs::remove_all(*native, code);
     return Succeeded(error, code);
 }
 

@@ -8,6 +8,7 @@
 
 #include "base/utf8.h"
 #include "platform/posix/descriptor.h"
+#include "platform/posix/native_path.h"
 #include "platform/system_error.h"
 
 namespace platform {
@@ -20,8 +21,6 @@ struct stat StatusOf(int descriptor) {
 }
 
 bool IsRegularFile(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
-
-bool HoldsZero(const String& name) { return name.find(u'\0') != String::npos; }
 
 // Opens `name`; -1, with errno set, when it cannot be opened.
 int OpenDescriptor(const String& name, int flags) {

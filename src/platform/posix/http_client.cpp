@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <exception>
 #include <string>
 
@@ -155,10 +156,7 @@ public:
         ::curl_easy_setopt(handle, CURLOPT_PATH_AS_IS, 1L);
         ::curl_easy_setopt(handle, CURLOPT_USERAGENT, product_.c_str());
         ::curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());
-        ::curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http");
-        ::curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http");
-        ::curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
-        ::curl_easy_setopt(handle, CURLOPT_MAXREDIRS, kMostRedirects);
+        FollowRedirects();
         ::curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS,
                            static_cast<long>(limits_.connect_ms));
         ::curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
@@ -175,6 +173,20 @@ public:
     }
 
 private:
+    // Also to https, where libcurl checks the server's certificate.
+    void FollowRedirects() {
+        CURL* const handle = handle_.get();
+        ::curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+        ::curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+        const char* const authorities = std::getenv("SSL_CERT_FILE");
+        if (authorities != nullptr && *authorities != '\0')
+            ::curl_easy_setopt(handle, CURLOPT_CAINFO, authorities);
+        // A proxy's answer on the way to such a server is none of the server's.
+        ::curl_easy_setopt(handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+        ::curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
+        ::curl_easy_setopt(handle, CURLOPT_MAXREDIRS, kMostRedirects);
+    }
+
     // libcurl must know of a method without a body to wait for, and turns only its own POST into a
     // GET where a redirect asks for that.
     void SetMethod(const std::string& method) {

@@ -6,6 +6,7 @@
 
 #include "platform/system_error.h"
 #include "platform/windows/handle.h"
+#include "platform/windows/native_path.h"
 #include "platform/windows/wide.h"
 
 namespace platform {
@@ -18,8 +19,6 @@ std::int64_t Move(HANDLE handle, std::int64_t distance, DWORD origin) {
     LARGE_INTEGER position{};
     return ::SetFilePointerEx(handle, wanted, &position, origin) == FALSE ? -1 : position.QuadPart;
 }
-
-bool HoldsZero(const String& name) { return name.find(u'\0') != String::npos; }
 
 bool IsDisk(HANDLE handle) { return ::GetFileType(handle) == FILE_TYPE_DISK; }
 

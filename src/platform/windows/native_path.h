@@ -1,0 +1,17 @@
+// Names of files and folders as the system's calls take them.
+#pragma once
+
+#include "base/error_record.h"
+#include "base/strings.h"
+
+namespace platform {
+
+// A name that the system would take to end at its zero character.
+inline bool HoldsZero(const String& name) { return name.find(u'\0') != String::npos; }
+
+// The name, valid as long as `name`. Null for a name with a zero character inside, where the system
+// would take it to end and so mean another file; `error` then holds the text and code of
+// ERROR_INVALID_NAME.
+const wchar_t* NativePath(ErrorRecord& error, const String& name);
+
+}  // namespace platform
