@@ -43,6 +43,8 @@ constexpr TypeWord<DataConsumer> kTypes[] = {
 
 std::vector<TypeEntry> DataConsumer::Types() { return EntriesOf(kTypes); }
 
+bool DataConsumer::Commit(String& /*error*/) { return true; }
+
 bool DataConsumer::CheckColumns(String& /*error*/, const SectionSettings& /*settings*/,
                                 const RowSet& /*rows*/) {
     return true;

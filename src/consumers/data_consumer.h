@@ -42,6 +42,9 @@ public:
     virtual bool NextResultSet(String& error, const SectionSettings& settings) = 0;
     // Finishes the output.
     virtual bool Close(String& error) = 0;
+    // Makes what was written final, once the whole step has succeeded. A target that goes without
+    // leaves behind what its own settings say.
+    virtual bool Commit(String& error);
 
     // Compares the columns of a source with what the target can take, and writes nothing.
     virtual bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows);

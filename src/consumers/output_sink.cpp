@@ -68,7 +68,7 @@ private:
     const Encoding encoding_;
     const bool as_pattern_;
     const bool terminal_;
-    TextEncoder encoder_;
+    PlainTextEncoder encoder_;
     String text_;  // reused
 };
 

@@ -28,7 +28,7 @@ bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size
 
 // Bytes of a narrow encoding could not be told from UTF-16 once in memory: the text itself is kept.
 bool dFile::WriteToMemory(ErrorRecord& error, StringView text, std::size_t* written_size) {
-    TextEncoder encoder;
+    PlainTextEncoder encoder;
     std::span<const std::byte> bytes;
     if (!encoder.Encode(text, memory_encoding_, bytes)) {
         error.text = kEncodingNotSupported;

@@ -21,7 +21,8 @@ Encoding EncodingFromWord(StringView word) {
     return Encoding::Ansi;
 }
 
-bool TextEncoder::Encode(StringView text, Encoding encoding, std::span<const std::byte>& bytes) {
+bool PlainTextEncoder::Encode(StringView text, Encoding encoding,
+                              std::span<const std::byte>& bytes) {
     switch (encoding) {
         case Encoding::Utf16LittleEndian:
             bytes = std::as_bytes(std::span(text));
@@ -44,7 +45,7 @@ bool TextEncoder::Encode(StringView text, Encoding encoding, std::span<const std
     return true;
 }
 
-void TextEncoder::Narrow(StringView text) {
+void PlainTextEncoder::Narrow(StringView text) {
     bytes_.resize(text.size());
     std::transform(text.begin(), text.end(), bytes_.begin(),
                    [](char16_t unit) { return static_cast<char>(unit & 0xFF); });

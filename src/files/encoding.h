@@ -24,7 +24,7 @@ Encoding EncodingFromWord(StringView word);
 constexpr StringView kEncodingNotSupported = u"Encoding is not supported yet";
 
 // Turns text into the bytes of an encoding, without a mark. Keeps its room between calls.
-class TextEncoder {
+class PlainTextEncoder {
 public:
     // bytes: the result, valid until the next call and as long as `text`.
     // False for an encoding that cannot be written.

@@ -51,5 +51,5 @@ private:
     Encoding encoding_ = Encoding::Ansi;
     bool failed_ = false;
     std::unique_ptr<platform::OutputFile> output_;
-    TextEncoder encoder_;
+    PlainTextEncoder encoder_;
 };

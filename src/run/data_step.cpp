@@ -266,7 +266,7 @@ bool DataStep::CloseAll(String& error) {
     at_work_ = {Section::Target};
     if (target_ && !target_->Close(error)) return Fail(error);
     if (source_) source_->Close();
-    return true;
+    return !target_ || target_->Commit(error) || Fail(error);
 }
 
 // ---- Telling ----
