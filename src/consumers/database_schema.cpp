@@ -1,23 +1,20 @@
 #include "consumers/database_schema.h"
 
 #include "consumers/sql_statement.h"
-#include "storages/connection_settings.h"
+#include "storages/open_database.h"
 
 namespace DataConsumers {
 
-DatabaseSchema::~DatabaseSchema() { database_.Close(); }
+DatabaseSchema::~DatabaseSchema() {
+    if (database_) database_->Close();
+}
 
 bool DatabaseSchema::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     statement_.clear();
-    DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The data source name or connect string is not provided";
-        return false;
-    }
-    if (!database_.Open(error, connection.source, connection.login, connection.password)) {
-        return false;
-    }
+    database_ = DataStorages::OpenDatabase(
+        error, settings, u"The data source name or connect string is not provided");
+    if (!database_) return false;
     table_setting_ = settings.Text(u"Table");
     table_ = settings.ResolvedText(u"Table");
     delimiter_ = settings.Text(u"Delimiter");
@@ -41,7 +38,7 @@ bool DatabaseSchema::Close(String& /*error*/) {
     statement_ += u')';
     statement_ += delimiter_;
     statement_ += u"\r\n";
-    return database_.Close();
+    return database_->Close();
 }
 
 }  // namespace DataConsumers

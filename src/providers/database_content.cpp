@@ -1,6 +1,7 @@
 #include "providers/database_content.h"
 
 #include "files/format.h"
+#include "storages/identifier.h"
 
 namespace DataProviders {
 namespace {
@@ -44,16 +45,6 @@ bool ParseNames(String& error, StringView names, std::vector<TableEntry>& tables
     }
 }
 
-// A name between double quotes, those in it doubled (SQL-92, delimited identifier).
-void AppendQuoted(String& query, StringView name) {
-    query += u'"';
-    for (const char16_t unit : name) {
-        if (unit == u'"') query += unit;
-        query += unit;
-    }
-    query += u'"';
-}
-
 }  // namespace
 
 bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSet& rows) {
@@ -61,11 +52,9 @@ bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSe
     tables_.clear();
     next_ = 0;
     DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The database type or connection type is not supported yet";
-        return false;
-    }
-    return Connect(error, connection) && ListTables(error, settings.Text(u"Tables", u"*")) &&
+    return connection.Read(error, settings,
+                           u"The database type or connection type is not supported yet") &&
+           Connect(error, connection) && ListTables(error, settings.Text(u"Tables", u"*")) &&
            HasMoreData(error, rows);
 }
 
@@ -81,10 +70,10 @@ bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
     const TableEntry& table = tables_[next_++];
     String query = u"select * from ";
     if (!table.Detail.empty()) {
-        AppendQuoted(query, table.Detail);
+        sql::AppendIdentifier(query, table.Detail, quote_);
         query += u'.';
     }
-    AppendQuoted(query, table.Name);
+    sql::AppendIdentifier(query, table.Name, quote_);
     rows.SchemaName = table.Detail;
     rows.TableName = table.Name;
     settings_->Set(u"$TABLE$", table.Name);

@@ -26,6 +26,7 @@ private:
     std::optional<SectionSettings> settings_;
     std::vector<DataStorages::TableEntry> tables_;
     std::size_t next_ = 0;
+    String quote_ = u"\"";  // around names in the queries
 };
 
 }  // namespace DataProviders

@@ -49,8 +49,8 @@ bool ReadQuery(String& error, const SectionSettings& settings, String& query) {
 
 bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The data source or connection string is not provided.";
+    if (!connection.Read(error, settings,
+                         u"The data source or connection string is not provided.")) {
         return false;
     }
     String query;
@@ -59,11 +59,10 @@ bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet&
     return RunQuery(error, query, rows);
 }
 
-// A row of the next result set has its own number of values.
 bool DatabaseQuery::HasMoreData(String& error, RowSet& rows) {
     if (!database_) return false;
     const bool more = database_->HasMoreData(error, rows);
-    if (more) rows.ClearRow();
+    if (more && row_follows_columns_) rows.ClearRow();
     if (!more) TellOfLostRows();
     return more;
 }

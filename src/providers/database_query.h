@@ -15,6 +15,11 @@ public:
     // The database's own messages; after a failed query the query text follows on its own line.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
     bool HasMoreData(String& error, RowSet& rows) override;
+
+private:
+    // The row gets the length of each result set. Else it keeps the greatest so far, and targets
+    // refuse the rows of a narrower one.
+    bool row_follows_columns_ = false;
 };
 
 }  // namespace DataProviders

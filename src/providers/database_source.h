@@ -3,8 +3,7 @@
 #include <memory>
 
 #include "providers/data_provider.h"
-#include "storages/connection_settings.h"
-#include "storages/odbc_database.h"
+#include "storages/open_database.h"
 
 namespace DataProviders {
 
@@ -31,7 +30,7 @@ protected:
     // The same, where the database met a failure that it took for the end.
     void TellOfLostRows() const;
 
-    std::unique_ptr<DataStorages::ODBCDatabase> database_;
+    std::unique_ptr<DataStorages::StorageDatabase> database_;
 };
 
 }  // namespace DataProviders

@@ -1,10 +1,9 @@
 #include "providers/odbc_data_sources.h"
 
-#include "storages/odbc_database.h"
+#include "storages/odbc_environment.h"
 
 namespace DataProviders {
 
-using DataStorages::ODBCDatabase;
 using DataStorages::TableEntry;
 
 bool ODBCDataSources::Open(String& error, const SectionSettings& settings, RowSet& rows) {
@@ -13,9 +12,9 @@ bool ODBCDataSources::Open(String& error, const SectionSettings& settings, RowSe
     const bool of_user = settings.Flag(u"User", true);
     const bool of_system = settings.Flag(u"System", true);
     const bool with_type = settings.Flag(u"ShowType", true);
-    const ODBCDatabase database;
     std::vector<TableEntry> sources;
-    if (!database.DataSources(error, of_system, of_user, sources)) return false;
+    if (!DataStorages::ODBCEnvironment().DataSources(error, of_system, of_user, sources))
+        return false;
     for (const TableEntry& source : sources) {
         Values values{source.Name};
         if (with_type) values.emplace_back(source.Flag == 1 ? u"System" : u"User");

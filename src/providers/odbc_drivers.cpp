@@ -1,7 +1,7 @@
 #include "providers/odbc_drivers.h"
 
 #include "platform/driver_library.h"
-#include "storages/odbc_database.h"
+#include "storages/odbc_environment.h"
 
 namespace DataProviders {
 
@@ -11,7 +11,7 @@ bool ODBCDrivers::Open(String& error, const SectionSettings& settings, RowSet& r
     const bool with_version = settings.Flag(u"Version", true);
     const bool with_attributes = settings.Flag(u"Attributes", true);
     std::vector<DataStorages::DriverEntry> drivers;
-    if (!DataStorages::ODBCDatabase().Drivers(error, drivers)) return false;
+    if (!DataStorages::ODBCEnvironment().Drivers(error, drivers)) return false;
     for (const DataStorages::DriverEntry& driver : drivers) {
         const String library = platform::DriverLibrary(driver.Name, driver.Attributes);
         Values values{driver.Name};

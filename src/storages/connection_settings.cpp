@@ -2,12 +2,14 @@
 
 namespace DataStorages {
 
-bool ConnectionSettings::Read(const SectionSettings& settings) {
+bool ConnectionSettings::Read(String& error, const SectionSettings& settings,
+                              const char16_t* refusal) {
     source = settings.ResolvedText(u"DSN");
     if (source.empty()) source = settings.ResolvedText(u"ConnectString");
     login = settings.Text(u"Login");
     if (login.empty()) login = settings.Text(u"User");  // where the -Login switch puts it
     password = settings.Text(u"Password");
+    if (source.empty()) error = refusal;
     return !source.empty();
 }
 
