@@ -61,6 +61,7 @@ bool ODBCCatalogue::HasCatalog(const String& name) {
     return false;
 }
 
+// Some drivers list the tables of all databases of the server; only the connected one is asked for.
 bool ODBCCatalogue::ListTables(std::vector<TableEntry>& tables, TableKind kind) {
     const String current = CurrentCatalog();
     const char16_t* const type = kind == TableKind::Views ? u"VIEW" : u"TABLE";
@@ -76,26 +77,23 @@ bool ODBCCatalogue::ListTables(std::vector<TableEntry>& tables, TableKind kind) 
         tables.push_back({std::move(row[2]), std::move(row[1]), 0});
     }
     if (read == Row::Failed) return false;
-    KeepTablesOf(current, catalogs, tables);
-    return true;
-}
-
-// Some drivers list the tables of all databases of the server, and only the connected one is asked
-// for. Its name may come in other letter case than theirs. A driver that has no name to tell says
-// nothing, or a word ("null"), which must not leave every table out; a database without tables has
-// none of theirs either, but is among the server's.
-void ODBCCatalogue::KeepTablesOf(const String& current, const std::vector<String>& catalogs,
-                                 std::vector<TableEntry>& tables) {
-    if (current.empty()) return;
+    if (current.empty() || tables.empty()) return true;
+    // Drivers that have no name to tell say nothing, or a word ("null"), which must not leave every
+    // table out. A database without tables is not among theirs, but among the server's.
     const auto is_current = [&](const String& name) {
         return text::EqualsIgnoringCase(name, current);
     };
-    const bool is_known = std::any_of(catalogs.begin(), catalogs.end(), is_current) ||
-                          (!catalogs.empty() && HasCatalog(current));
-    if (!is_known) return;
+    const bool is_known =
+        std::any_of(catalogs.begin(), catalogs.end(), is_current) || HasCatalog(current);
+    if (is_known) DropOtherCatalogs(current, catalogs, tables);
+    return true;
+}
+
+void DropOtherCatalogs(const String& current, const std::vector<String>& catalogs,
+                       std::vector<TableEntry>& tables) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        if (!catalogs[i].empty() && !is_current(catalogs[i])) continue;
+        if (!catalogs[i].empty() && !text::EqualsIgnoringCase(catalogs[i], current)) continue;
         if (kept != i) tables[kept] = std::move(tables[i]);
         ++kept;
     }

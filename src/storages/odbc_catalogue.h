@@ -30,8 +30,6 @@ private:
 
     // The values of the next row at these positions, from 1, as text.
     Row NextRow(std::initializer_list<std::uint16_t> numbers, std::vector<String>& texts);
-    void KeepTablesOf(const String& current, const std::vector<String>& catalogs,
-                      std::vector<TableEntry>& tables);
     bool AskForColumns(const String& schema, const String& table);
     String SearchPattern(const String& name) const;
     String CurrentCatalog() const;
@@ -42,5 +40,11 @@ private:
     bool narrow_driver_;
     ODBCValueBuffer& buffer_;
 };
+
+// Takes the tables of other catalogues than `current` away, whatever the case of its letters; those
+// without one stay.
+// catalogs: of the tables, in their order
+void DropOtherCatalogs(const String& current, const std::vector<String>& catalogs,
+                       std::vector<TableEntry>& tables);
 
 }  // namespace DataStorages
