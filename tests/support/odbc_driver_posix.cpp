@@ -49,7 +49,10 @@ SQLRETURN SQLNumResultCols(SQLHSTMT, SQLSMALLINT* count) {
     *count = 1;
     return SQL_SUCCESS;
 }
-SQLRETURN SQLFetch(SQLHSTMT) { return ++rows_read == 1 ? SQL_SUCCESS : Fail(); }
+SQLRETURN SQLFetch(SQLHSTMT) {
+    if (++rows_read > 1) return Fail();
+    return SQL_SUCCESS;
+}
 SQLRETURN SQLGetData(SQLHSTMT, SQLUSMALLINT, SQLSMALLINT, SQLPOINTER value, SQLLEN,
                      SQLLEN* indicator) {
     if (unreadable) return Fail();
