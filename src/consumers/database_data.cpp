@@ -2,7 +2,7 @@
 
 #include "consumers/sql_statement.h"
 #include "files/format.h"
-#include "storages/connection_settings.h"
+#include "storages/open_database.h"
 
 namespace DataConsumers {
 namespace {
@@ -22,14 +22,16 @@ constexpr Key kDelimiter = kKeys[u"Delimiter"];
 
 KeyList DatabaseData::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
-DatabaseData::~DatabaseData() { database_.Close(); }
+DatabaseData::~DatabaseData() {
+    if (database_) database_->Close();
+}
 
 bool DatabaseData::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     prefix_.clear();
     DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The data source name or connect string is not provided";
+    if (!connection.Read(error, settings,
+                         u"The data source name or connect string is not provided")) {
         return false;
     }
     table_ = settings.Text(kTable);
@@ -38,11 +40,10 @@ bool DatabaseData::Open(String& error, const SectionSettings& settings) {
         return false;
     }
     delimiter_ = settings.Text(kDelimiter);
-    if (!database_.Open(error, connection.source, connection.login, connection.password)) {
-        return false;
-    }
-    const bool described = database_.Query(error, u"select * from " + table_, table_rows_);
-    database_.CloseQuery();
+    database_ = DataStorages::OpenDatabase(error, connection);
+    if (!database_) return false;
+    const bool described = database_->Query(error, u"select * from " + table_, table_rows_);
+    database_->CloseQuery();
     if (!described) error = u"Could not retrieve table defintition";  // published spelling
     return described;
 }
@@ -60,7 +61,7 @@ bool DatabaseData::Write(String& error, RowSet& rows) {
     statement_ = prefix_;
     if (!sql::AppendValueList(error, statement_, rows.Columns, rows.Row)) return false;
     statement_ += delimiter_;
-    if (!database_.ExecNonQuery(error, statement_)) return false;
+    if (!database_->ExecNonQuery(error, statement_)) return false;
     ++written_size_;
     return true;
 }
@@ -69,6 +70,6 @@ bool DatabaseData::NextResultSet(String& /*error*/, const SectionSettings& /*set
     return false;
 }
 
-bool DatabaseData::Close(String& /*error*/) { return database_.Close(); }
+bool DatabaseData::Close(String& /*error*/) { return database_->Close(); }
 
 }  // namespace DataConsumers

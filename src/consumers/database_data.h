@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include "consumers/data_consumer.h"
-#include "storages/odbc_database.h"
+#include "storages/storage_database.h"
 
 namespace DataConsumers {
 
@@ -27,7 +29,7 @@ public:
     bool Close(String& error) override;
 
 private:
-    DataStorages::ODBCDatabase database_;
+    std::unique_ptr<DataStorages::StorageDatabase> database_;
     String table_;
     String delimiter_;
     RowSet table_rows_;  // describes the table

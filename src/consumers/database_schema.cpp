@@ -1,7 +1,7 @@
 #include "consumers/database_schema.h"
 
 #include "consumers/sql_statement.h"
-#include "storages/connection_settings.h"
+#include "storages/open_database.h"
 
 namespace DataConsumers {
 namespace {
@@ -17,19 +17,16 @@ constexpr Key kDelimiter = kKeys[u"Delimiter"];
 
 KeyList DatabaseSchema::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
-DatabaseSchema::~DatabaseSchema() { database_.Close(); }
+DatabaseSchema::~DatabaseSchema() {
+    if (database_) database_->Close();
+}
 
 bool DatabaseSchema::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     statement_.clear();
-    DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The data source name or connect string is not provided";
-        return false;
-    }
-    if (!database_.Open(error, connection.source, connection.login, connection.password)) {
-        return false;
-    }
+    database_ = DataStorages::OpenDatabase(
+        error, settings, u"The data source name or connect string is not provided");
+    if (!database_) return false;
     table_setting_ = settings.Unresolved(kTable);
     table_ = settings.Text(kTable);
     delimiter_ = settings.Text(kDelimiter);
@@ -53,7 +50,7 @@ bool DatabaseSchema::Close(String& /*error*/) {
     statement_ += u')';
     statement_ += delimiter_;
     statement_ += u"\r\n";
-    return database_.Close();
+    return database_->Close();
 }
 
 }  // namespace DataConsumers

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include "consumers/data_consumer.h"
-#include "storages/odbc_database.h"
+#include "storages/storage_database.h"
 
 namespace DataConsumers {
 
@@ -24,7 +26,7 @@ public:
     const String& Statement() const { return statement_; }
 
 private:
-    DataStorages::ODBCDatabase database_;
+    std::unique_ptr<DataStorages::StorageDatabase> database_;
     String table_setting_;
     String table_;  // macros replaced
     String delimiter_;

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "consumers/escaping.h"
 #include "files/format.h"
 #include "files/text.h"
+#include "storages/identifier.h"
 
 namespace sql {
 namespace {
@@ -16,18 +16,6 @@ enum Described : std::size_t { kColumn = 1, kTypeName, kSize, kDigits, kNullable
 bool RefuseRow(String& error) {
     error = u"Cound not build SQL statement";  // published spelling
     return false;
-}
-
-void AppendQuoted(String& statement, StringView name) {
-    statement += u'"';
-    statement += name;
-    statement += u'"';
-}
-
-void AppendDoubling(String& statement, StringView value, char16_t quote) {
-    const auto is_quote = [=](auto unit) { return unit == quote; };
-    const auto append_doubled = [](String& out, char16_t unit) { out.append(2, unit); };
-    AppendEscaped(statement, value, is_quote, append_doubled);
 }
 
 StringView StripQuotesOrBrackets(StringView name) {
@@ -62,13 +50,6 @@ String DefaultPart(const DataRow& row) {
     return value.empty() ? String() : Format(u" default %s ", value);
 }
 
-// A name between double quotes, those in it doubled.
-void AppendIdentifier(String& statement, StringView name) {
-    statement += u'"';
-    AppendDoubling(statement, name, u'"');
-    statement += u'"';
-}
-
 void AppendCreateTable(String& statement, const QualifiedName& name) {
     statement += u"create table ";
     if (!name.schema.empty()) {
@@ -85,7 +66,7 @@ String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& colum
                     bool column_list) {
     String prefix = u"insert into ";
     if (table.find_first_of(u".[\"") == StringView::npos) {
-        AppendQuoted(prefix, table);
+        AppendBetweenQuotes(prefix, table);
     } else {
         prefix += table;
     }
@@ -96,7 +77,7 @@ String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& colum
             if (!column.Included) continue;
             if (!first) prefix += u',';
             first = false;
-            AppendQuoted(prefix, column.Name);
+            AppendBetweenQuotes(prefix, column.Name);
         }
         prefix += u')';
     }

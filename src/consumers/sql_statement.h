@@ -18,9 +18,9 @@ namespace sql {
 String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& columns,
                     bool column_list);
 
-// Appends the included values of the row as " (1,'O''Brien',NULL)", between the literal marks of
-// their columns, single quotes doubled. Fails with "Cound not build SQL statement", published
-// spelling, when the row has not one value for each column.
+// Appends the included values of the row as " (1,'O''Brien',NULL)", between the literal
+// prefixes and suffixes of their columns, single quotes doubled. Fails with "Cound not build SQL
+// statement", published spelling, when the row has not one value for each column.
 bool AppendValueList(String& error, String& statement, const std::vector<ColumnDefinition>& columns,
                      const DataRow& row);
 

@@ -21,4 +21,8 @@ String DriverLibraryVersion(const String& library);
 // name: the driver's file name, as it tells it itself (SQL_DRIVER_NAME).
 bool DriverTakesWideText(const String& name);
 
+// The same of a driver that is not loaded yet, which it then is.
+// library: where it is, as its entry tells it.
+bool LibraryTakesWideText(const String& library);
+
 }  // namespace platform

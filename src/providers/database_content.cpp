@@ -2,6 +2,7 @@
 
 #include "base/notices.h"
 #include "files/format.h"
+#include "storages/identifier.h"
 
 namespace DataProviders {
 namespace {
@@ -66,16 +67,6 @@ void WarnOfLoss(const String& reason) {
     TellNotice(Format(u"Warning: reading from the database failed: %s\n", reason));
 }
 
-// A name between double quotes, those in it doubled (SQL-92, delimited identifier).
-void AppendQuoted(String& query, StringView name) {
-    query += u'"';
-    for (const char16_t unit : name) {
-        if (unit == u'"') query += unit;
-        query += unit;
-    }
-    query += u'"';
-}
-
 }  // namespace
 
 KeyList DatabaseContent::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
@@ -87,11 +78,9 @@ bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSe
     missing_tables_ = settings.Word(kMissingTables, MissingTables::End);
     loss_fails_step_ = false;
     DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The database type or connection type is not supported yet";
-        return false;
-    }
-    return Connect(error, connection) && ListTables(error, settings.Text(kTables)) &&
+    return connection.Read(error, settings,
+                           u"The database type or connection type is not supported yet") &&
+           Connect(error, connection) && ListTables(error, settings.Text(kTables)) &&
            HasMoreData(error, rows);
 }
 
@@ -109,7 +98,7 @@ bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
         if (SelectTable(error, table, rows)) return true;
         if (missing_tables_ == MissingTables::Skip) {
             WarnOfLoss(error);
-            if (next_ != tables_.size()) error.clear();
+            error.clear();
             continue;
         }
         loss_fails_step_ = missing_tables_ == MissingTables::Stop;
@@ -122,10 +111,10 @@ bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
 bool DatabaseContent::SelectTable(String& error, const TableEntry& table, RowSet& rows) {
     String query = u"select * from ";
     if (!table.Detail.empty()) {
-        AppendQuoted(query, table.Detail);
+        sql::AppendIdentifier(query, table.Detail, quote_);
         query += u'.';
     }
-    AppendQuoted(query, table.Name);
+    sql::AppendIdentifier(query, table.Name, quote_);
     rows.SchemaName = table.Detail;
     rows.TableName = table.Name;
     settings_->NameTable(table.Name);

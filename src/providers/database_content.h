@@ -33,6 +33,7 @@ private:
     std::vector<DataStorages::TableEntry> tables_;
     std::size_t next_ = 0;
     MissingTables missing_tables_ = MissingTables::End;
+    String quote_ = u"\"";  // around names in the queries
 };
 
 }  // namespace DataProviders

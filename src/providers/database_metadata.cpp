@@ -2,7 +2,7 @@
 
 #include "core/sql_types.h"
 #include "files/format.h"
-#include "storages/odbc_database.h"
+#include "storages/open_database.h"
 
 namespace DataProviders {
 namespace {
@@ -65,17 +65,11 @@ bool DatabaseMetadata::Open(String& error, const SectionSettings& settings, RowS
     Clear();
     columns_of_tables_.clear();
     next_table_ = 0;
-    DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The database type or connection type is not supported yet";
-        return false;
-    }
-    DataStorages::ODBCDatabase database;
-    if (!database.Open(error, connection.source, connection.login, connection.password)) {
-        return false;
-    }
-    const bool collected = Collect(error, settings, database, rows);
-    return database.Close() && collected;
+    const auto database = DataStorages::OpenDatabase(
+        error, settings, u"The database type or connection type is not supported yet");
+    if (!database) return false;
+    const bool collected = Collect(error, settings, *database, rows);
+    return database->Close() && collected;
 }
 
 bool DatabaseMetadata::Collect(String& error, const SectionSettings& settings,

@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "providers/collected_source.h"
-#include "storages/connection_settings.h"
 #include "storages/storage_database.h"
 
 namespace DataProviders {

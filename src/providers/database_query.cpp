@@ -83,8 +83,8 @@ KeyList DatabaseQuery::Keys() { return {kKeys, DataStorages::ConnectionSettings:
 
 bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     DataStorages::ConnectionSettings connection;
-    if (!connection.Read(settings)) {
-        error = u"The data source or connection string is not provided.";
+    if (!connection.Read(error, settings,
+                         u"The data source or connection string is not provided.")) {
         return false;
     }
     row_follows_columns_ = settings.Follows(Rule::RowFollowsColumns);

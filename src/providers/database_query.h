@@ -21,6 +21,8 @@ public:
     bool HasMoreData(String& error, RowSet& rows) override;
 
 private:
+    // The row gets the length of each result set. Else it keeps the greatest so far, and targets
+    // refuse the rows of a narrower one.
     bool row_follows_columns_ = false;
 };
 

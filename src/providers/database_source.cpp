@@ -6,8 +6,8 @@ DatabaseSource::~DatabaseSource() { DatabaseSource::Close(); }
 
 bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettings& connection) {
     Close();
-    database_ = std::make_unique<DataStorages::ODBCDatabase>();
-    return database_->Open(error, connection.source, connection.login, connection.password);
+    database_ = DataStorages::OpenDatabase(error, connection);
+    return database_ != nullptr;
 }
 
 bool DatabaseSource::RunQuery(String& error, const String& query, RowSet& rows) {

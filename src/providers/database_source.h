@@ -3,8 +3,7 @@
 #include <memory>
 
 #include "providers/data_provider.h"
-#include "storages/connection_settings.h"
-#include "storages/odbc_database.h"
+#include "storages/open_database.h"
 
 namespace DataProviders {
 
@@ -27,7 +26,7 @@ protected:
     // Notes why reading has ended, where the end of the data was not the reason.
     void NoteLoss(const String& error);
 
-    std::unique_ptr<DataStorages::ODBCDatabase> database_;
+    std::unique_ptr<DataStorages::StorageDatabase> database_;
 };
 
 }  // namespace DataProviders

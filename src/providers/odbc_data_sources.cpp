@@ -1,6 +1,6 @@
 #include "providers/odbc_data_sources.h"
 
-#include "storages/odbc_database.h"
+#include "storages/odbc_environment.h"
 
 namespace DataProviders {
 namespace {
@@ -36,7 +36,6 @@ constexpr Key kShowType = kKeys[u"ShowType"];
 
 KeyList ODBCDataSources::Keys() { return {kKeys}; }
 
-using DataStorages::ODBCDatabase;
 using DataStorages::TableEntry;
 
 bool ODBCDataSources::Open(String& error, const SectionSettings& settings, RowSet& rows) {
@@ -45,9 +44,9 @@ bool ODBCDataSources::Open(String& error, const SectionSettings& settings, RowSe
     const bool of_user = settings.Flag(kUser);
     const bool of_system = settings.Flag(kSystem);
     const bool with_type = settings.Flag(kShowType);
-    const ODBCDatabase database;
     std::vector<TableEntry> sources;
-    if (!database.DataSources(error, of_system, of_user, sources)) return false;
+    if (!DataStorages::ODBCEnvironment().DataSources(error, of_system, of_user, sources))
+        return false;
     for (const TableEntry& source : sources) {
         Values values{source.Name};
         if (with_type) values.emplace_back(source.Flag == 1 ? u"System" : u"User");

@@ -1,7 +1,7 @@
 #include "providers/odbc_drivers.h"
 
 #include "platform/driver_library.h"
-#include "storages/odbc_database.h"
+#include "storages/odbc_environment.h"
 
 namespace DataProviders {
 namespace {
@@ -37,7 +37,7 @@ bool ODBCDrivers::Open(String& error, const SectionSettings& settings, RowSet& r
     const bool with_version = settings.Flag(kVersion);
     const bool with_attributes = settings.Flag(kAttributes);
     std::vector<DataStorages::DriverEntry> drivers;
-    if (!DataStorages::ODBCDatabase().Drivers(error, drivers)) return false;
+    if (!DataStorages::ODBCEnvironment().Drivers(error, drivers)) return false;
     for (const DataStorages::DriverEntry& driver : drivers) {
         const String library = platform::DriverLibrary(driver.Name, driver.Attributes);
         Values values{driver.Name};

@@ -31,12 +31,14 @@ constexpr Key kPassword = kKeys[u"Password"];
 
 KeySpan ConnectionSettings::Keys() { return kKeys; }
 
-bool ConnectionSettings::Read(const SectionSettings& settings) {
+bool ConnectionSettings::Read(String& error, const SectionSettings& settings,
+                              const char16_t* refusal) {
     source = settings.Text(kDsn);
     if (source.empty()) source = settings.Text(kConnectString);
     login = settings.Text(kLogin);
     if (login.empty()) login = settings.Text(kUser);  // where the -Login switch puts it
     password = settings.Text(kPassword);
+    if (source.empty()) error = refusal;
     return !source.empty();
 }
 

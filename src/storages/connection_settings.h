@@ -12,8 +12,8 @@ struct ConnectionSettings {
     String password;
 
     // Reads `DSN`, or where it is empty `ConnectString`, with their macros replaced; `Login`, or
-    // where it is empty "User"; and `Password`. False when no source is named.
-    bool Read(const SectionSettings& settings);
+    // where it is empty "User"; and `Password`. Fails with `refusal` when no source is named.
+    bool Read(String& error, const SectionSettings& settings, const char16_t* refusal);
 
     // The keys above, for the lists of those who read them.
     static KeySpan Keys();

@@ -1,16 +1,19 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
+#include "storages/odbc_catalogue.h"
+#include "storages/odbc_environment.h"
+#include "storages/odbc_handle.h"
+#include "storages/odbc_value_buffer.h"
 #include "storages/storage_database.h"
 
 namespace DataStorages {
 
 // A connection through the ODBC driver manager (the ODBC 3 wide-character interface). One
 // statement at a time. SQL_SUCCESS_WITH_INFO counts as success everywhere.
+// Text beyond ASCII goes as UTF-8 to drivers without wide calls where unixODBC would spoil it.
 //
 // Where a message below ends in '%s' or a colon, the driver's diagnostic follows: message,
 // SQLSTATE and native error number, separated by commas.
@@ -18,7 +21,7 @@ class ODBCDatabase final : public StorageDatabase {
 public:
     // Allocates the environment and the value buffer.
     ODBCDatabase();
-    // Frees the environment. This does not disconnect: callers close first.
+    // Does not disconnect: callers close first.
     ~ODBCDatabase() override;
     ODBCDatabase(const ODBCDatabase&) = delete;
     ODBCDatabase& operator=(const ODBCDatabase&) = delete;
@@ -62,58 +65,33 @@ public:
     bool Columns(String& error, const String& schema, const String& table,
                  std::vector<CatalogColumn>& columns) override;
 
-    // What the driver manager knows, without a connection: data source names with their driver
-    // (Detail) and whether they belong to the machine (Flag 1) or to the user (Flag 0), in this
-    // order; and drivers.
-    // "ODBC subsystem is not initialized properly"
-    bool DataSources(String& error, bool of_system, bool of_user,
-                     std::vector<TableEntry>& sources) const;
-    bool Drivers(String& error, std::vector<DriverEntry>& drivers) const;
-
     std::int16_t ColumnCount() const override { return column_count_; }
 
-    // The driver's diagnostic for the last failure.
-    const String& LastError() const { return last_error_; }
-    // True when the last Fetch or HasMoreData met a failure that it took for the end of the data.
-    bool ReadingFailed() const { return reading_failed_; }
+    const String& LastError() const override { return last_error_; }
+    bool ReadingFailed() const override { return reading_failed_; }
+    String IdentifierQuote() const override;
 
 private:
-    static constexpr std::int32_t kCatalogBufferBytes = 32'728;
-    static constexpr std::int32_t kValueBufferBytes = 16'777'216;
-
-    enum class Value { Failed, Null, Text };
-
     bool Connect(String& error, const String& source, const String& login, const String& password);
+    bool ConnectByString(const String& connect_string, bool narrow);
+    bool ConnectByName(const String& name, const String& login, const String& password,
+                       bool narrow);
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
-    String DriverName() const;
-    bool MustNarrow(const String& text) const;
     bool Execute(const String& statement);
-    bool ListColumns(const String& schema, const String& table);
+    bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
-    bool MovedOn(std::int16_t result);
-    void DescribeColumns(RowSet& rows);
-    ColumnDefinition DescribeColumn(std::uint16_t number) const;
-    String TextAttribute(std::uint16_t number, std::uint16_t field, bool* refused = nullptr) const;
-    std::int64_t NumberAttribute(std::uint16_t number, std::uint16_t field) const;
-    Value ReadValue(std::uint16_t number, std::int32_t buffer_bytes, StringView& text);
-    String CurrentCatalog() const;
-    bool FetchCatalogueRow(bool& failed);
-    String ReadCatalogText(std::uint16_t number);
-    String SearchPattern(const String& name) const;
-    bool HasEnvironment(String& error) const;
-    void ListDataSources(std::uint16_t first, std::uint8_t flag,
-                         std::vector<TableEntry>& sources) const;
+    ODBCCatalogue Catalogue();
 
     bool connected_ = false;
-    bool narrow_driver_ = false;  // has no wide calls; see MustNarrow
+    bool narrow_driver_ = false;  // without wide calls
     bool query_active_ = false;
     bool reading_failed_ = false;
-    void* environment_ = nullptr;
-    void* connection_ = nullptr;
-    void* statement_ = nullptr;
+    ODBCEnvironment environment_;
+    ODBCHandle connection_;
+    ODBCHandle statement_;
     std::int16_t column_count_ = 0;
-    std::unique_ptr<char16_t[]> value_buffer_;
+    ODBCValueBuffer value_buffer_;
     String last_error_;
 };
 

@@ -27,12 +27,6 @@ struct CatalogColumn {
     String Default;
 };
 
-// An ODBC driver of the machine.
-struct DriverEntry {
-    String Name;
-    String Attributes;  // "name=value", joined with ";"
-};
-
 enum class TableKind { Tables = 0, Views = 1 };
 
 // A database: statements go in, result sets come out. Operations return false on failure and say
@@ -61,6 +55,14 @@ public:
                          std::vector<CatalogColumn>& columns) = 0;
     // Columns of the current result set.
     virtual std::int16_t ColumnCount() const = 0;
+
+    // The database's own words for the last failure.
+    virtual const String& LastError() const = 0;
+    // True when the last Fetch or HasMoreData met a failure that it took for the end of the data.
+    virtual bool ReadingFailed() const = 0;
+    // What the connected database has around the names of tables and columns (SQL, delimited
+    // identifiers); empty where it takes no quotes.
+    virtual String IdentifierQuote() const = 0;
 };
 
 }  // namespace DataStorages

@@ -47,7 +47,7 @@ TEST(SqlStatement, DividesTableNames) {
     // clang-format off
     const Case kCases[] = {
         {u"Orders", "|Orders"}, {u".Orders", "|Orders"}, {u"shop.dbo.Orders", "shop.dbo|Orders"},
-        {u"[a.b].c", "a.b|c"}, {u"dbo.[My.Orders]", "dbo|My.Orders"}, {u"[a]b", "|[a]b"}, {u"a].b", "a]|b"},
+        {u"[a.b].c", "a.b|c"}, {u"dbo.[My.Orders]", "dbo|My.Orders"}, {u"[a]b", "|[a]b"}, {u"[a]b]", "|[a]b]"}, {u"a].b", "a]|b"},
         {u"\"a.b\".\"c.d\"", "a.b|c.d"}, {u"[a\".b].\"[c.d\"", "a\".b|[c.d"}, {u"\"say \"\"a.b\"\"\"", "|say \"\"a.b\"\""},
     };
     // clang-format on

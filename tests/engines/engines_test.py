@@ -3,6 +3,7 @@
 where QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers. Runs on
 Linux; usage: engines_test.py PROGRAM [unittest arguments]."""
 import os
+import re
 import sys
 import unittest
 
@@ -11,10 +12,11 @@ from support import EngineTest, MariaDb, Postgres, Sqlite, section, source, text
 # Each is a table's name and, in its only row, a value. The lone quote comes last: in a job file
 # what follows it, up to the next one, counts as quoted.
 ODD_NAMES = ("plain", "MixedCase", "Order Details", " leading blank", "a.b.c", "sq[uare]",
-             "[bracketed]", "o'clock", "back\\slash", "100%_sure", "one_name", "semi;colon #1",
+             "[bracketed]", "ab]", "o'clock", "back\\slash", "100%_sure", "one_name", "semi;colon #1",
              "Größe żółć", "smile 😀", "a,b", 'qu"ote')
 # Those that a list of tables cannot hold as they are.
 LISTED_AS = {"a.b.c": '"a.b.c"', "sq[uare]": '"sq[uare]"', "[bracketed]": '"[bracketed]"',
+             "ab]": "[a]b]",
              'qu"ote': '[qu"ote]', "semi;colon #1": '"semi;colon #1"', "a,b": "[a,b]"}
 
 
@@ -178,6 +180,26 @@ class PostgresContent(ServerContent, EngineTest):
                   section("Target", "TextFile", "Name=out.txt", "EndOfLine=LF"))
         self.assertEqual(self.files(), {"out": "t\tb\tint4\t10\t0\t1\t\n"})
 
+    def test_narrower_result_set(self):
+        done = self.run_job(source("DatabaseQuery", self.database(),
+                                   'Query="select 1 as a, 2 as b; select 3 as c"') +
+                            section("Target", "TextFile", "Name=out.txt", "EndOfLine=LF"))
+        self.assert_ends(done, 2, r"TextFile: Broken row structure "
+                         r"\[Values: 2, Structure: 1 for ''\]")
+        self.assertEqual(self.files(), {"out": "1\t2\n"})
+
+    def test_driver_that_refuses_its_catalogue(self):
+        made = self.database("create table t (a int); create view v as select a from t")
+        made.connect = made.connect.replace("Unicode", "ANSI")
+        said = "(?s:.*),07006,[0-9]+"
+        for settings, message in (
+                (("AllTables",), "ODBCDatabase::Tables. Tables list error: " + said),
+                (("AllViews",), "ODBCDatabase::Tables. Tables list error: " + said),
+                (("Table", "Name=t"), "Could not retrieve list of columns. Schema='',Table='t'")):
+            done = self.run_job(source("DatabaseSchema", made, "ObjectType=" + settings[0],
+                                       *settings[1:]) + text_files())
+            self.assert_ends(done, 2, message)
+
 
 class MariaDbContent(ServerContent, EngineTest):
     engine = MariaDb
@@ -193,6 +215,18 @@ class MariaDbContent(ServerContent, EngineTest):
 
     def two_schemas(self, made):
         return made.name, self.database(name="b").name
+
+    def test_lists_of_a_server_and_of_an_empty_database(self):
+        made = self.database("create table only_here (x int)")
+        listed = {}
+        for name, connect in (("server", re.sub("(?i)database=[^;]*;", "", made.connect)),
+                              ("empty", self.database(name="b").connect),
+                              ("own", made.connect)):
+            self.move(source("DatabaseSchema", connect, "ObjectType=AllTables") +
+                      section("Target", "TextFile", f"Name={name}.txt", "EndOfLine=LF"))
+            listed[name] = self.files()[name].splitlines()
+        self.assertIn("only_here\t", listed["server"])
+        self.assertEqual([listed["empty"], listed["own"]], [[], ["only_here\t"]])
 
 
 if __name__ == "__main__":

@@ -78,13 +78,13 @@ TEST_F(ManagerTest, LinesUpHeaderAndRowsByWhatItHasMeasured) {
 
 TEST_F(ManagerTest, MovesAllResultSets) {
     SKIP_WITHOUT_POSTGRES();
-    const std::string query = "select 1 as a, 2 as b; select 3 as c where 1 = 0; select 4 as wide";
+    const std::string query = "select 1 as a; select 2 as c where 1 = 0; select 3 as wide, 4 as b";
     // clang-format off
     const std::pair<std::string, std::string> kFiles[] = {
-        {"Header=1\n", "a\tb\r\n1\t2\r\nc\r\nwide\r\n4\r\n"},
-        {"Header=1\nFixedWidth=1\n", "ab\r\n12\r\nc\r\nwide\r\n4   \r\n"},
-        {"OneFilePerResultSet=1\n", "4\r\n"},
-        {"Header=1\nOneFilePerResultSet=1\nOverwrite=0\n", "4\r\n1\t2\r\nc\r\nwide\r\n4\r\n"},
+        {"Header=1\n", "a\r\n1\r\nc\r\nwide\tb\r\n3\t4\r\n"},
+        {"Header=1\nFixedWidth=1\n", "a\r\n1\r\nc\r\nwideb\r\n3   4\r\n"},
+        {"OneFilePerResultSet=1\n", "3\t4\r\n"},
+        {"Header=1\nOneFilePerResultSet=1\nOverwrite=0\n", "3\t4\r\n1\r\nc\r\nwide\tb\r\n3\t4\r\n"},
     };
     // clang-format on
     for (const auto& [target, file] : kFiles) {

@@ -57,6 +57,15 @@ LoadedDriver FindLoaded(const std::string& name) {
     return driver;
 }
 
+// True as well for what cannot be loaded so.
+bool HasWideCalls(const char* path, int mode) {
+    void* const library = dlopen(path, RTLD_LAZY | mode);
+    if (library == nullptr) return true;
+    const bool wide = dlsym(library, "SQLExecDirectW") != nullptr;
+    dlclose(library);
+    return wide;
+}
+
 }  // namespace
 
 // The driver manager lists all entries of a driver as its attributes.
@@ -93,11 +102,14 @@ String DriverLibraryVersion(const String& library) {
 bool DriverTakesWideText(const String& name) {
     const LoadedDriver driver = FindLoaded(ToNativeBytes(name));
     if (driver.path.empty()) return true;
-    void* const library = dlopen(driver.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (library == nullptr) return true;
-    const bool wide = dlsym(library, "SQLExecDirectW") != nullptr;
-    dlclose(library);
-    return wide;
+    return HasWideCalls(driver.path.c_str(), RTLD_NOLOAD);
+}
+
+// The driver manager is about to load it in any case. It stays: not every driver survives being
+// loaded a second time.
+bool LibraryTakesWideText(const String& library) {
+    const fs::path file = FileOf(library);
+    return file.empty() || HasWideCalls(file.c_str(), RTLD_NODELETE);
 }
 
 }  // namespace platform

@@ -58,4 +58,6 @@ String DriverLibraryVersion(const String& library) {
 
 bool DriverTakesWideText(const String& /*name*/) { return true; }
 
+bool LibraryTakesWideText(const String& /*library*/) { return true; }
+
 }  // namespace platform

@@ -1,0 +1,115 @@
+#include "storages/odbc_columns.h"
+
+#include <optional>
+
+#include "storages/odbc_calls.h"
+
+namespace DataStorages {
+namespace {
+
+constexpr std::size_t kTextBufferBytes = 255;
+
+// Literals of these types stand in quotes unless the driver says otherwise.
+bool IsQuotedType(std::int32_t type) {
+    switch (type) {
+        case SQL_UNKNOWN_TYPE:
+        case SQL_CHAR:
+        case SQL_VARCHAR:
+        case SQL_LONGVARCHAR:
+        case SQL_WCHAR:
+        case SQL_WVARCHAR:
+        case SQL_WLONGVARCHAR:
+        case SQL_DATETIME:
+        case SQL_TYPE_DATE:
+        case SQL_TYPE_TIME:
+        case SQL_TYPE_TIMESTAMP:
+        case SQL_TIMESTAMP:
+        case SQL_BINARY:
+        case SQL_VARBINARY:
+        case SQL_LONGVARBINARY:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// One column of a result set, asked for what it is. The calls of ODBC 2 come first; MariaDB's
+// driver knows those of ODBC 3 only.
+class DescribedColumn {
+public:
+    DescribedColumn(void* statement, std::uint16_t number)
+        : statement_(statement), number_(number) {}
+
+    String Text(std::uint16_t field) const {
+        std::optional<String> text = TextByOldCall(field);
+        if (text) return *std::move(text);
+        TextBuffer buffer{};
+        SQLSMALLINT length = 0;
+        const bool known =
+            odbc::Succeeded(SQLColAttributeW(statement_, number_, field, buffer.data(),
+                                             odbc::RoomInBytes(buffer), &length, nullptr));
+        return known ? odbc::TextOf(buffer) : String{};
+    }
+
+    std::int32_t Number(std::uint16_t field) const {
+        SQLLEN value = 0;
+        const bool known = odbc::Succeeded(SQLColAttributesW(statement_, number_, field, nullptr, 0,
+                                                             nullptr, &value)) ||
+                           odbc::Succeeded(SQLColAttributeW(statement_, number_, field, nullptr, 0,
+                                                            nullptr, &value));
+        return known ? static_cast<std::int32_t>(value) : 0;
+    }
+
+    // The literal prefix or suffix. By the old call only: MariaDB's driver tells "0x" for some
+    // types whose values it delivers as characters.
+    String Literal(std::uint16_t field, std::int32_t type) const {
+        return TextByOldCall(field).value_or(IsQuotedType(type) ? u"'" : u"");
+    }
+
+private:
+    using TextBuffer = std::array<char16_t, kTextBufferBytes / sizeof(char16_t) + 1>;
+
+    std::optional<String> TextByOldCall(std::uint16_t field) const {
+        TextBuffer buffer{};
+        SQLSMALLINT length = 0;
+        const bool known =
+            odbc::Succeeded(SQLColAttributesW(statement_, number_, field, buffer.data(),
+                                              odbc::RoomInBytes(buffer), &length, nullptr));
+        return known ? std::optional(odbc::TextOf(buffer)) : std::nullopt;
+    }
+
+    void* statement_;
+    std::uint16_t number_;
+};
+
+ColumnDefinition Describe(const DescribedColumn& described) {
+    ColumnDefinition column;
+    column.Name = described.Text(SQL_DESC_NAME);
+    column.TableName = described.Text(SQL_DESC_TABLE_NAME);
+    column.Length = described.Number(SQL_DESC_LENGTH);
+    column.DisplaySize = described.Number(SQL_DESC_DISPLAY_SIZE);
+    column.DataType = described.Number(SQL_DESC_TYPE);
+    column.OctetLength = described.Number(SQL_DESC_OCTET_LENGTH);
+    column.AutoUnique = described.Number(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
+    column.Nullable = described.Number(SQL_DESC_NULLABLE) == SQL_NULLABLE;
+    column.LiteralPrefix = described.Literal(SQL_DESC_LITERAL_PREFIX, column.DataType);
+    column.LiteralSuffix = described.Literal(SQL_DESC_LITERAL_SUFFIX, column.DataType);
+    column.LocalTypeName = described.Text(SQL_DESC_LOCAL_TYPE_NAME);
+    column.TypeName = described.Text(SQL_DESC_TYPE_NAME);
+    column.MaxWidth = column.Name.size();
+    return column;
+}
+
+}  // namespace
+
+std::int16_t DescribeColumns(void* statement, std::vector<ColumnDefinition>& columns) {
+    columns.clear();
+    SQLSMALLINT count = 0;
+    if (!odbc::Succeeded(SQLNumResultCols(statement, &count))) count = 0;
+    for (SQLSMALLINT number = 1; number <= count; ++number) {
+        columns.push_back(Describe({statement, static_cast<std::uint16_t>(number)}));
+    }
+    return count;
+}
+
+}  // namespace DataStorages
