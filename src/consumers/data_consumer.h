@@ -56,6 +56,10 @@ public:
     // Whether the written size counts bytes.
     virtual bool WritesBytes() const { return false; }
 
+    // Rows that were set aside in a reject file, and characters that an encoding lacks.
+    virtual std::uint64_t Rejected() const { return 0; }
+    virtual std::uint64_t ReplacedCharacters() const { return 0; }
+
     // Bytes of text written since Open, byte-order marks not counted; rows for database targets.
     std::uint64_t WrittenSize() const { return written_size_; }
 

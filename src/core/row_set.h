@@ -19,6 +19,7 @@ struct ColumnDefinition {
         : Name(std::move(name)),
           TypeName(std::move(type_name)),
           DataType(data_type),
+          ConciseType(data_type),
           Length(length) {}
 
     String Name;
@@ -30,9 +31,10 @@ struct ColumnDefinition {
     String LocalTypeName;
     bool Nullable = true;
     bool AutoUnique = false;
-    bool Included = true;       // false once a transformer has removed the column
-    std::int32_t DataType = 0;  // ODBC verbose type code (SQL_DESC_TYPE)
-    std::int32_t Length = 0;    // characters, or the precision of other types
+    bool Included = true;          // false once a transformer has removed the column
+    std::int32_t DataType = 0;     // ODBC verbose type code (SQL_DESC_TYPE)
+    std::int32_t ConciseType = 0;  // ODBC concise type code (SQL_DESC_CONCISE_TYPE)
+    std::int32_t Length = 0;       // characters, or the precision of other types
     std::int32_t DisplaySize = 0;
     std::int32_t OctetLength = 0;
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters

@@ -12,4 +12,5 @@ enum class Rule {
     FilesMustClose,     // a file that cannot be closed fails the step
     ConsoleIsForAll,    // STDOUT and CONSOLE are standard output for every file target
     NoEmptyTables,      // no table without rows stands between two result sets
+    LossesAreCounted,   // the statistics count records skipped and rows rejected
 };

@@ -56,6 +56,10 @@ public:
     // Whether such a loss fails the step, whatever the step makes of failed reading.
     bool LossFailsStep() const { return loss_fails_step_; }
 
+    // Records that were left out, and that were set aside in a reject file.
+    virtual std::uint64_t Skipped() const { return 0; }
+    virtual std::uint64_t Rejected() const { return 0; }
+
     // The file that is being read; empty for what is none.
     virtual String InputFile() const { return {}; }
     // The line of that file, from 1, where the latest row began; 0 without one.

@@ -278,6 +278,20 @@ void DataStep::ShowProgress() {
     progress_line_->Tell(items_, in_bytes ? target_->WrittenSize() : 0, source_->ReadShare());
 }
 
+// What the numbers of items and bytes do not show. Nothing is written where there is nothing to it.
+void DataStep::WriteLosses() const {
+    const auto tell = [&](std::uint64_t count, StringView what) {
+        String ignored;
+        if (count != 0) logger_.Write(ignored, Format(u"%I64u %s.", count, what), 0);
+    };
+    const bool told = configuration_.Follows(Rule::LossesAreCounted);
+    if (!told) return;
+    tell(source_ ? source_->Skipped() : 0, u"records skipped");
+    tell((source_ ? source_->Rejected() : 0) + (target_ ? target_->Rejected() : 0),
+         u"rows rejected");
+    tell(target_ ? target_->ReplacedCharacters() : 0, u"characters replaced");
+}
+
 // The total counts from the start of the run, so it is cumulative over the steps.
 void DataStep::WriteStatistics(std::uint64_t processing_ms) const {
     String ignored;
@@ -288,6 +302,7 @@ void DataStep::WriteStatistics(std::uint64_t processing_ms) const {
         Format(u"\nStep #%u: %I64u items done, total %3.3f seconds, processing %3.3f seconds.",
                index_, items_, total, processing),
         0);
+    WriteLosses();
     const std::uint64_t written = target_ ? target_->WrittenSize() : 0;
     constexpr double kShortestMeasured = 0.025;  // seconds; anything less says nothing of speed
     if (written == 0 || total <= kShortestMeasured) return;

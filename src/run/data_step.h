@@ -66,6 +66,7 @@ private:
     bool GoOnWithout(String& error);
     bool Fail(String& error);
     void ShowProgress();
+    void WriteLosses() const;
     void WriteStatistics(std::uint64_t processing_ms) const;
 
     Configuration& configuration_;

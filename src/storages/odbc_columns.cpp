@@ -89,6 +89,7 @@ ColumnDefinition Describe(const DescribedColumn& described) {
     column.Length = described.Number(SQL_DESC_LENGTH);
     column.DisplaySize = described.Number(SQL_DESC_DISPLAY_SIZE);
     column.DataType = described.Number(SQL_DESC_TYPE);
+    column.ConciseType = described.Number(SQL_DESC_CONCISE_TYPE);
     column.OctetLength = described.Number(SQL_DESC_OCTET_LENGTH);
     column.AutoUnique = described.Number(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
     column.Nullable = described.Number(SQL_DESC_NULLABLE) == SQL_NULLABLE;
