@@ -97,7 +97,8 @@ def main():
     job = Folder(program.parse(__doc__, "job").job.resolve())
     with tempfile.TemporaryDirectory() as scratch:
         faults = run(job, pathlib.Path(scratch) / "job")
-    print("\n".join(faults))
+    for fault in faults:
+        print(fault)
     return 1 if faults else 0
 
 

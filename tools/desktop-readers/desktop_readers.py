@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Whether LibreOffice and Chromium show what the targets write. Run by hand on Linux; usage:
-desktop_test.py PROGRAM [--keep FOLDER] [unittest arguments]. --keep leaves pictures there."""
+desktop_readers.py PROGRAM [--keep FOLDER] [unittest arguments]. --keep leaves pictures there."""
 import argparse
 import csv
 import os

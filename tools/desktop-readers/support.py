@@ -1,4 +1,4 @@
-"""What the reader tests share: the data, the running of jobs and the reading of HTML tables."""
+"""The data that is written and read, the running of jobs and the reading of HTML tables."""
 import html.parser
 import os
 import pathlib
@@ -31,7 +31,6 @@ ROWS = [
      "&amp; and &lt; as they are", "Zażółć gęślą jaźń. " * 263 + "End"),
     (7, "-", "12a", 1000000, 1200, 3.25, "Cañon / Île", r'"C:\new" {1} \o/', "]]> <!-- x --> ?>"),
 ]
-EMOJI_ROW = (8, "Smile 😀", None, 5, None, None, "🏙 Łódź", "👩‍👩‍👧", None)
 
 
 def texts(row, null):
