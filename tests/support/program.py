@@ -50,12 +50,13 @@ def run(folder, *arguments, environment=None, **options):
         options.setdefault("stdin", subprocess.DEVNULL)
     # Through files: a launcher's background process may hold on to a pipe for long.
     with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
-        status = subprocess.run(  # system messages in English
-            [*COMMAND, *arguments], cwd=folder, stdout=output, stderr=errors, timeout=120,
-            env=os.environ | {"LC_ALL": "C.UTF-8"} | (environment or {}), **options).returncode
+        ended = subprocess.run(  # system messages in English
+            [*COMMAND, *arguments], cwd=folder, timeout=120,
+            env=os.environ | {"LC_ALL": "C.UTF-8"} | (environment or {}),
+            **{"stdout": output, "stderr": errors} | options)
         output.seek(0)
         errors.seek(0)
-        return Ended(status, output.read(), errors.read())
+        return Ended(ended.returncode, ended.stdout or output.read(), ended.stderr or errors.read())
 
 
 class Scene(unittest.TestCase):
