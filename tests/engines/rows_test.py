@@ -7,8 +7,8 @@ import re
 
 from support import EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source, table
 
-TEXTS = ("''", "' lead'", "'O''Brien ''''s \"name\"'", "'NULL'", r"'back\slash \n'", "'żółć 😀 👩‍👩‍👧 𝄞'",
-         "'12'", "'%s {d} $T$ -- #'")
+TEXTS = ("''", "' lead'", "'O''Brien ''''s \"name\"'", "'NULL'",
+         r"'back\slash \n'", "'żółć 😀 👩‍👩‍👧 𝄞'", "'12'", "'%s {d} $T$ -- #'")
 LINES = ("'a\nb\tc'", "'a\r\nb\rc'", "'one \" quote'", f"'{'0123456789abcdż;' * 65536}'")
 TAKER = '"Über. alles"'
 SALE = ("create table t (id int primary key, name varchar(60) not null, price numeric(9,2), "

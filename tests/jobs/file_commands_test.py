@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""File commands of System steps in hostile trees: links, depth, numbers, other file systems, rights.
-Under --windows what only Linux knows is skipped."""
+"""File commands of System steps in hostile trees: links, depth, numbers, other file systems,
+rights. Under --windows what only Linux knows is skipped."""
 import os
 import pathlib
 import shutil

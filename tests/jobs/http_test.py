@@ -30,7 +30,7 @@ class HttpCall(Scene):
         # A sanitized program shall give memory back at once.
         ended = self.run_job("\n".join(lines) + "\n", *arguments, environment={
             "ASAN_OPTIONS": "quarantine_size_mb=1"} | (environment or {}))
-        return ended.status, ended.output.decode()
+        return ended.status, ended.output.decode().replace("\r\n", "\n")
 
     def assert_succeeds(self, *arguments, **keys):
         """Makes the call and returns the last request that came: first line, headers, body."""
