@@ -160,7 +160,10 @@ std::uint64_t Configuration::Size(Section section, Key key) const {
 }
 
 std::optional<std::size_t> Configuration::Word(Section section, Key key) const {
-    return key_values::Word(*key, Text(section, key), IsStrict(*key));
+    const bool strict = IsStrict(*key);
+    const auto word = key_values::Word(*key, Text(section, key), strict);
+    // What is told of a wrong word is told in the way of the default.
+    return word || !strict ? word : key_values::Word(*key, DefaultOf(*key), strict);
 }
 
 String Configuration::GetValue(Section section, StringView name, Quotes quotes,
