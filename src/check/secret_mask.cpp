@@ -99,7 +99,7 @@ String HideParts(StringView text) {
 SecretMask::SecretMask(Configuration& configuration)
     : active_(configuration.Flag(Section::Globals, kMaskSecrets)) {
     if (!active_) return;
-    for (const KeySpec& key : KeySpan(kSwitches)) {
+    for (const KeySpec& key : kSwitches) {
         AddSecretsOf(configuration, Section::CommandLine, key);
     }
     for (std::size_t i = 0; i < configuration.StepCount(); ++i) {
