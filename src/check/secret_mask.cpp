@@ -141,7 +141,7 @@ void SecretMask::AddSecretParts(const Configuration& configuration, StringView v
     String resolved(value);
     configuration.ResolveAllMacros(resolved);
     for (const Part& part : SecretParts(resolved)) {
-        AddSecret(StringView(resolved).substr(part.begin, part.end - part.begin));
+        AddSecret(StringView{resolved}.substr(part.begin, part.end - part.begin));
     }
 }
 
