@@ -11,7 +11,7 @@ A job folder holds:
   expected_missing  names that must not be there afterwards, one a line
   expected_scratch  names of other files that the run may make or change, one a line, with "*"
   expected_stdout   what standard output must be
-  expected_stderr   what standard error must be, with the line ends of the system; nothing without
+  expected_stderr   what standard error must be, carriage returns left out; nothing without
                     the file
   expected_status   the exit status; 0 without the file
 The run may make, change and remove nothing else. Where the two systems differ, NAME.windows stands
@@ -90,9 +90,8 @@ def run(job, work):
     faults = difference("exit status", job.read("expected_status", b"0").strip(),
                         str(ended.status).encode())
     faults += difference("standard output", job.read("expected_stdout", None), ended.output)
-    errors = ended.errors.replace(b"\r\n", b"\n") if program.WINDOWS else ended.errors
-    faults += difference("standard error", job.read("expected_stderr").replace(b"\r\n", b"\n"),
-                         errors)
+    faults += difference("standard error", job.read("expected_stderr").replace(b"\r", b""),
+                         ended.errors.replace(b"\r", b""))
     return faults + file_faults(job, before, content(work))
 
 
