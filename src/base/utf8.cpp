@@ -175,10 +175,13 @@ bool FromUtf8(std::string_view bytes, String& text) {
     return taken == bytes.size();
 }
 
-std::size_t FindUnpairedSurrogate(StringView text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t start = i;
-        if (IsSurrogate(TakeCodePoint(text, i))) return start;
+std::size_t FindUnpairedSurrogate(StringView text, std::size_t start) {
+    constexpr unsigned kFirstSurrogate = 0xD800;  // most text lies below
+    for (std::size_t i = start; i < text.size();) {
+        i += CountUnitsBelow<kFirstSurrogate>(text.data() + i, text.size() - i);
+        if (i == text.size()) break;
+        const std::size_t position = i;
+        if (IsSurrogate(TakeCodePoint(text, i))) return position;
     }
     return StringView::npos;
 }

@@ -35,8 +35,9 @@ std::size_t DecodeUtf8(std::string_view bytes, char16_t*& to);
 // cut_short: true when nothing but the end of `bytes` is wrong with it.
 std::size_t InvalidUtf8Length(std::string_view bytes, bool& cut_short);
 
-// The position of the first half of a surrogate pair that stands alone; npos when there is none.
-std::size_t FindUnpairedSurrogate(StringView text);
+// The position, from `start` on, of the first half of a surrogate pair that stands alone; npos when
+// there is none.
+std::size_t FindUnpairedSurrogate(StringView text, std::size_t start = 0);
 
 // Decodes bytes that name something in the system (a path, an argument, a variable). A byte that
 // is not part of valid UTF-8 becomes the unpaired surrogate U+DC00 + byte, so that ToNativeBytes

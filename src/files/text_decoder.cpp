@@ -1,6 +1,7 @@
 #include "files/text_decoder.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "base/narrow_run.h"
@@ -53,31 +54,31 @@ public:
 
     std::size_t Decode(std::span<const std::byte> bytes, bool last, String& text,
                        std::size_t& invalid) override {
-        const RawText raw = AsRawText(bytes);
-        const std::size_t count = raw.size() / sizeof(char16_t);
+        const std::size_t count = bytes.size() / sizeof(char16_t);
         const std::size_t start = text.size();
         text.resize(start + count);
-        for (std::size_t i = 0; i < count; ++i) {
-            text[start + i] = UnitAtStart(raw.subspan(2 * i, 2), little_endian_);
+        char16_t* const units = text.data() + start;
+        if (count != 0) std::memcpy(units, bytes.data(), count * sizeof(char16_t));
+        if (!little_endian_) {
+            std::transform(units, units + count, units, [](char16_t unit) {
+                return static_cast<char16_t>(unit << 8 | unit >> 8);
+            });
         }
-        const std::size_t kept =
-            ReplaceUnpaired(StringView(text).substr(start), last, text.data() + start);
+        const std::size_t kept = ReplaceUnpaired({units, count}, units, last);
         text.resize(start + kept);
-        const std::size_t rest = raw.size() - 2 * kept;
-        invalid = last && rest != 0 ? rest : 0;
-        return 2 * kept;
+        const std::size_t rest = bytes.size() - kept * sizeof(char16_t);
+        invalid = last ? rest : 0;
+        return bytes.size() - rest;
     }
 
 private:
     // Returns how many units make whole characters: all but a first half of a pair at the end,
     // unless it is the last.
-    std::size_t ReplaceUnpaired(StringView text, bool last, char16_t* units) {
-        for (std::size_t i = 0; i < text.size();) {
-            const std::size_t start = i;
-            if (!IsSurrogate(TakeCodePoint(text, i))) continue;
-            const bool may_go_on = i == text.size() && text[start] < 0xDC00;
-            if (may_go_on && !last) return start;
-            units[start] = kReplacement;
+    std::size_t ReplaceUnpaired(StringView text, char16_t* units, bool last) {
+        for (std::size_t i = 0; (i = FindUnpairedSurrogate(text, i)) != StringView::npos; ++i) {
+            const bool may_go_on = i + 1 == text.size() && text[i] < 0xDC00;
+            if (may_go_on && !last) return i;
+            units[i] = kReplacement;
             ++replaced_;
         }
         return text.size();

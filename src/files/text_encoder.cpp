@@ -10,7 +10,6 @@
 #include "base/utf8.h"
 #include "files/code_page_tables.h"
 #include "files/format.h"
-#include "files/unit_search.h"
 #include "platform/code_page.h"
 
 namespace {
@@ -66,13 +65,13 @@ class Utf16Encoder final : public TextEncoder {
 public:
     bool Encode(ErrorRecord& /*error*/, StringView text,
                 std::span<const std::byte>& bytes) override {
-        std::size_t position = UnpairedSurrogate(text, 0);
-        if (position == text.size()) {
+        std::size_t position = FindUnpairedSurrogate(text);
+        if (position == StringView::npos) {
             bytes = std::as_bytes(std::span(text));
             return true;
         }
         text_ = text;
-        for (; position != text.size(); position = UnpairedSurrogate(text, position)) {
+        for (; position != StringView::npos; position = FindUnpairedSurrogate(text, position)) {
             text_[position++] = kReplacement;
             ++replaced_;
         }
@@ -82,20 +81,6 @@ public:
     bool Has(char32_t point) const override { return IsCharacter(point); }
 
 private:
-    // Where the first one from `position` on is; the end when there is none.
-    static std::size_t UnpairedSurrogate(StringView text, std::size_t position) {
-        const char16_t* const begin = text.data();
-        while (position < text.size()) {
-            const char16_t* const found = FindUnit(begin + position, begin + text.size(),
-                                                   [](auto unit) { return unit >= u'\xD800'; });
-            const auto start = static_cast<std::size_t>(found - begin);
-            if (start == text.size()) break;
-            position = start;
-            if (IsSurrogate(TakeCodePoint(text, position))) return start;
-        }
-        return text.size();
-    }
-
     String text_;
 };
 
