@@ -9,6 +9,14 @@
 #include "files/encoding.h"
 #include "platform/file_system.h"
 
+// Opens a file for writing and creates it when missing. existed: whether it was there.
+// append: its content is kept; otherwise it is emptied.
+// Fails with "Could not open file for writing: " and the system's text; the code is kept.
+std::unique_ptr<platform::OutputFile> OpenForWriting(ErrorRecord& error, const String& name,
+                                                     bool append, bool& existed);
+// Puts those words before the system's text.
+void TellUnwritable(ErrorRecord& error);
+
 // Writes text to a file in one of the encodings. Each piece reaches the file whole or not at all.
 class TextWriter {
 public:
@@ -21,6 +29,10 @@ public:
     //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
     // Fails with "Could not open file for writing: " and the system's text; the code is kept.
     bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append);
+    // The same with a file that has been opened.
+    // name: for messages. goes_on: it was there before and is appended to.
+    bool Begin(ErrorRecord& error, const String& name, std::unique_ptr<platform::OutputFile> file,
+               Encoding encoding, bool goes_on);
     bool IsOpen() const { return output_ != nullptr; }
     // What the text is written in: after an append, what the file's own mark declares.
     Encoding CurrentEncoding() const { return encoding_; }
@@ -38,6 +50,8 @@ public:
     // True once bytes did not reach the file.
     bool Failed() const { return failed_; }
 
+    // Hands on what the file has gathered; fails as WriteBytes does.
+    bool Flush(ErrorRecord& error);
     // Closes the file, if one is open. Fails with the text of WriteBytes when the system tells only
     // now that data did not arrive.
     bool Finish(ErrorRecord& error);
