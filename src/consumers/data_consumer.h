@@ -42,6 +42,9 @@ public:
     virtual bool NextResultSet(String& error, const SectionSettings& settings) = 0;
     // Finishes the output.
     virtual bool Close(String& error) = 0;
+    // Writes out what has been gathered, because input pauses or the step has failed. A failure
+    // that is not heard here is told by the next operation.
+    virtual bool WriteOut(String& /*error*/) { return true; }
     // Makes what was written final, once the whole step has succeeded. A target that goes without
     // leaves behind what its own settings say.
     virtual bool Commit(String& error);

@@ -7,6 +7,7 @@
 #include "core/logger.h"
 #include "files/format.h"
 #include "platform/console.h"
+#include "platform/file_system.h"
 #include "run/logger_console.h"
 #include "run/report_error.h"
 
@@ -49,13 +50,17 @@ void DataStep::ReadSettings() {
 
 // ---- Failures ----
 
-// Writes a failure, with the place where it happened where the job wants that.
+// Writes a failure, with the place where it happened where the job wants that. What was written
+// before it arrives first; where it does not, that is told as well.
 void DataStep::Report(String& error) {
+    String loss;
+    if (target_) target_->WriteOut(loss);
     if (progress_line_) progress_line_->Clear();
     if (configuration_.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration_, at_work_));
     }
     ReportError(error, logger_, {});
+    ReportError(loss, logger_, {});
 }
 
 bool DataStep::Fail(String& error) {
@@ -162,6 +167,10 @@ bool DataStep::MeasureWidths(String& error) {
 
 bool DataStep::MoveRows(String& error) {
     const ScopedState state(u"Main loop");
+    const platform::PauseListener pauses([this] {
+        String told_by_next_write;
+        if (target_) target_->WriteOut(told_by_next_write);
+    });
     do {
         while (FetchRow(error)) {
             if (!MoveRow(error)) return Fail(error);

@@ -7,6 +7,7 @@
 #include "config/job_keys.h"
 #include "config/section_settings.h"
 #include "config/switches.h"
+#include "consumers/file_target.h"
 #include "files/format.h"
 #include "platform/console.h"
 #include "platform/file_system.h"
@@ -44,12 +45,13 @@ bool Manager::Run(String& error, Configuration& configuration) {
     const bool settled = configuration.Settle(error, path);
     silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
     const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
-    console_ = Quillon::LoggerConsole(to_error ? Quillon::LoggerConsole::Stream::Error
-                                               : Quillon::LoggerConsole::Stream::Output);
+    stream_ =
+        to_error ? Quillon::LoggerConsole::Stream::Error : Quillon::LoggerConsole::Stream::Output;
+    console_ = Quillon::LoggerConsole(stream_);
     mask_ = SecretMask(configuration);
     const NoticeReceiver notices([this](StringView text, NoticeStream stream) {
         const String masked = mask_.Masked(text);
-        if (stream == NoticeStream::Output) {
+        if (stream == NoticeStream::Output && !output_is_owned_) {
             platform::WriteOutputText(masked);
         } else {
             platform::WriteErrorText(masked);
@@ -147,6 +149,7 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
     if (!configuration.AdditonalCmdLine(error, index)) {
         return ReportError(error, console_logger_, {});
     }
+    ChooseStream(configuration);
     if (!OpenStepLog(error, configuration)) return false;
     bool done = false;
     if (!configuration.Step(index).List(Section::System).Empty()) {
@@ -161,6 +164,14 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
     failed_steps_.push_back(index);
     error.clear();
     return true;
+}
+
+// Messages keep out of data that a step writes to standard output.
+void Manager::ChooseStream(Configuration& configuration) {
+    output_is_owned_ = DataConsumers::FileTarget::OwnsStandardOutput(
+        SectionSettings(configuration, Section::Target));
+    console_ =
+        Quillon::LoggerConsole(output_is_owned_ ? Quillon::LoggerConsole::Stream::Error : stream_);
 }
 
 bool Manager::OpenStepLog(String& error, const Configuration& configuration) {

@@ -47,6 +47,7 @@ private:
     bool RunStep(String& error, Configuration& configuration, std::size_t index);
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
+    void ChooseStream(Configuration& configuration);
     bool TellFailedSteps(String& error);
 
     const platform::Clock& clock_;
@@ -56,6 +57,8 @@ private:
     std::uint64_t run_start_ms_ = 0;
     String log_file_name_;
     SecretMask mask_;
+    Quillon::LoggerConsole::Stream stream_ = Quillon::LoggerConsole::Stream::Output;
+    bool output_is_owned_ = false;  // by the data of the current step
     Quillon::LoggerConsole console_;
     Quillon::LoggerMasked console_logger_{console_, mask_};
     std::unique_ptr<Quillon::Logger> step_log_;  // what a step's messages are written through
