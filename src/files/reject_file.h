@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "base/strings.h"
 #include "files/text_writer.h"
@@ -9,7 +10,7 @@
 // line of names first. The file is made with the first row, in place of one that is there.
 //
 //     line,reason,record
-//     17,"3 fields where 4 columns are","a,b,c"
+//     17,"3 fields where 4 columns are.","a,b,c"
 class RejectFile {
 public:
     // name: of the file; most: how many rows may be set aside.
@@ -27,10 +28,12 @@ public:
 
 private:
     bool Begin(String& error);
+    bool WriteLine(String& error);
 
     String name_;
     std::uint64_t most_ = 0;
     std::uint64_t count_ = 0;
     TextWriter writer_;
-    String line_;  // reused
+    String line_;  // these two are reused
+    std::string bytes_;
 };
