@@ -19,9 +19,25 @@ constexpr KeyTable kKeys({
      .edition1 = u"0",
      .edition2 = u"0",
      .meaning = u"a file for each result set; macros in the name are replaced anew"},
+    {.name = u"Bom",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"0",
+     .meaning = u"a new file begins with its byte-order mark; standard output only when set",
+     .since = Since::Later,
+     .defaults = kMarkDefaults},
+    {.name = u"Unmappable",
+     .kind = KeyKind::Word,
+     .words = kUnmappableWords,
+     .edition1 = u"Cut",
+     .edition2 = u"Stop",
+     .meaning = u"what becomes of a character that the encoding lacks",
+     .since = Since::Later},
 });
 constexpr Key kName = kKeys[u"Name"];
 constexpr Key kOneFilePerResultSet = kKeys[u"OneFilePerResultSet"];
+constexpr Key kBom = kKeys[u"Bom"];
+constexpr Key kUnmappable = kKeys[u"Unmappable"];
 
 }  // namespace
 
@@ -36,10 +52,14 @@ bool FileTarget::LeaveFile(String& /*error*/) { return true; }
 
 bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
+    replaced_ = 0;
     columns_are_new_ = true;
     write_failed_ = false;
     one_file_per_result_set_ = settings.Flag(kOneFilePerResultSet);
     append_ = !settings.Flag(format_.overwrite);
+    form_ = ReadTextForm(settings,
+                         {.encoding = format_.encoding, .mark = kBom, .unmappable = kUnmappable});
+    marks_console_ = settings.IsSet(kBom) && form_.marked;
     any_console_word_ = settings.Follows(Rule::ConsoleIsForAll);
     loss_told_ = settings.Follows(Rule::FilesMustClose) ? LossTold::ByError : LossTold::ByNotice;
     if (format_.needs_name && settings.Text(kName).empty()) {
@@ -64,16 +84,19 @@ bool FileTarget::Close(String& error) {
 
 bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     const String name = settings.Text(kName);
-    encoding_ = ReadEncoding(settings, format_.encoding);
     sink_.reset();  // it may be the same file
     goes_on_ = append_ && platform::PathExists(name);
     if (IsConsole(name)) {
-        sink_ = OpenConsoleSink(encoding_, !any_console_word_);
-        return BeginFile(error);
+        TextForm form = form_;
+        form.marked = std::exchange(marks_console_, false);  // once, whatever begins behind it
+        sink_ = OpenConsoleSink(error, form, !any_console_word_);
+        return sink_ != nullptr && BeginFile(error);
     }
     if (RefuseInput(error, name)) return false;
-    sink_ = OpenFileSink(error, name, encoding_, append_, loss_told_);
-    return sink_ != nullptr && BeginFile(error);
+    sink_ = OpenFileSink(error, name, form_, append_, loss_told_);
+    if (sink_ == nullptr) return false;
+    if (form_.keeps_encoding) goes_on_ = !sink_->BeganEmpty();
+    return BeginFile(error);
 }
 
 bool FileTarget::IsConsole(StringView name) const {
@@ -100,9 +123,14 @@ bool FileTarget::RefuseInput(String& error, const String& name) const {
 
 bool FileTarget::CloseSink(String& error) {
     if (!sink_) return true;
+    replaced_ += sink_->Replaced();
     const bool closed = sink_->Close(error);
     sink_.reset();
     return closed;
+}
+
+std::uint64_t FileTarget::ReplacedCharacters() const {
+    return replaced_ + (sink_ ? sink_->Replaced() : 0);
 }
 
 bool FileTarget::WriteText(String& error, StringView text) {

@@ -39,6 +39,7 @@ public:
     bool Close(String& error) override;
     void KeepClearOf(const String& input_file) override { input_file_ = input_file; }
     bool WritesBytes() const override { return true; }
+    std::uint64_t ReplacedCharacters() const override;
 
 protected:
     // Reads the format's own settings. No file is open yet.
@@ -56,7 +57,6 @@ protected:
     bool FileIsOpen() const { return sink_ != nullptr; }
     // True when the open file was there before and goes on.
     bool GoesOn() const { return goes_on_; }
-    Encoding FileEncoding() const { return encoding_; }
     // True once in each result set: what was put together from the columns must be made anew.
     bool TakeNewColumns() { return std::exchange(columns_are_new_, false); }
     // Writes a piece of text in one call; its bytes count.
@@ -76,8 +76,10 @@ private:
     const FileFormat format_;
     std::unique_ptr<OutputSink> sink_;
     String input_file_;  // what the step reads; empty for nothing
-    Encoding encoding_ = Encoding::Ansi;
-    bool append_ = false;  // to what the file holds already
+    TextForm form_;
+    bool marks_console_ = false;  // standard output begins with a byte-order mark
+    std::uint64_t replaced_ = 0;  // characters of files that are closed
+    bool append_ = false;         // to what the file holds already
     bool goes_on_ = false;
     bool one_file_per_result_set_ = false;
     bool any_console_word_ = false;  // in any letter case, for every format, byte for byte
@@ -108,7 +110,7 @@ inline constexpr KeyTable kEncodingKeys({
      .words = kEncodingWords,
      .edition1 = u"ANSI",
      .edition2 = u"UTF8",
-     .meaning = u"the encoding of a new file",
+     .meaning = u"the encoding of the file",
      .loose_words = kLooseEncodingWords},
 });
 inline constexpr KeyTable kNarrowEncodingKeys({
@@ -117,7 +119,7 @@ inline constexpr KeyTable kNarrowEncodingKeys({
      .words = kEncodingWords,
      .edition1 = u"ANSI",
      .edition2 = u"UTF8",
-     .meaning = u"the encoding of a new file",
+     .meaning = u"the encoding of the file",
      .loose_words = kLooseNarrowEncodingWords},
 });
 inline constexpr KeyTable kLaterEncodingKeys({
@@ -126,7 +128,7 @@ inline constexpr KeyTable kLaterEncodingKeys({
      .words = kEncodingWords,
      .edition1 = u"UTF8",
      .edition2 = u"UTF8",
-     .meaning = u"the encoding of a new file",
+     .meaning = u"the encoding of the file",
      .since = Since::Edition2Only},
 });
 inline constexpr Key kOverwrite = kOverwriteKeys[u"Overwrite"];

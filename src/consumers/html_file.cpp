@@ -81,7 +81,7 @@ bool HtmlFile::ReadFrame(String& error, const SectionSettings& settings) {
     }
     ErrorRecord load_error;
     // A file without a mark is in the encoding of the page.
-    const Encoding encoding = ReadEncoding(settings, kNarrowEncoding);
+    const Encoding encoding = ReadEncoding(settings, kNarrowEncoding).form;
     const bool strict = settings.Follows(Rule::StrictTexts);
     const auto load = [&](const String& file, String& text) {
         if (file.empty()) return true;

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "files/byte_order_mark.h"
 #include "files/dfile.h"
 #include "files/text.h"
 #include "platform/console.h"
@@ -13,9 +14,9 @@ class FileSink final : public OutputSink {
 public:
     explicit FileSink(LossTold told) : told_(told) {}
 
-    bool Open(String& error, const String& name, Encoding encoding, bool append) {
+    bool Open(String& error, const String& name, const TextForm& form, bool append) {
         ErrorRecord reason;
-        const bool opened = file_.Open(reason, name, encoding, append);
+        const bool opened = file_.Open(reason, name, form, append);
         if (!opened) error = reason.text;
         return opened;
     }
@@ -36,6 +37,9 @@ public:
         return false;
     }
 
+    bool BeganEmpty() const override { return file_.Writer().BeganEmpty(); }
+    std::uint64_t Replaced() const override { return file_.Writer().Replaced(); }
+
 private:
     const LossTold told_;
     dFile file_;
@@ -43,46 +47,58 @@ private:
 
 class ConsoleSink final : public OutputSink {
 public:
-    ConsoleSink(Encoding encoding, bool as_pattern)
-        : encoding_(encoding),
-          as_pattern_(as_pattern),
-          terminal_(platform::StandardOutputIsTerminal()) {}
+    explicit ConsoleSink(bool as_pattern)
+        : as_pattern_(as_pattern), terminal_(platform::StandardOutputIsTerminal()) {}
 
-    bool Write(String& /*error*/, StringView text, std::size_t& /*bytes*/) override {
-        if (!as_pattern_) return WriteAll(text);
+    bool Open(String& error, const TextForm& form) {
+        ErrorRecord reason;
+        encoder_ = MakeTextEncoder(reason, form.encoding, form.unmappable);
+        error = reason.text;
+        if (!encoder_) return false;
+        const bool marked = form.marked && !terminal_;
+        return !marked || platform::WriteStandardOutput(ByteOrderMarkOf(form.encoding.form));
+    }
+
+    bool Write(String& error, StringView text, std::size_t& /*bytes*/) override {
+        if (!as_pattern_) return WriteAll(error, text);
         // Directives that want an argument find none and stay as they are.
         text_ = text;
         text::ReplaceAll(text_, u"%%", u"%");
-        return WriteAll(text_);
+        return WriteAll(error, text_);
     }
 
     bool Close(String& /*error*/) override { return true; }
+    std::uint64_t Replaced() const override { return encoder_->Replaced(); }
 
 private:
-    bool WriteAll(StringView text) {
+    bool WriteAll(String& error, StringView text) {
         if (terminal_) return platform::WriteOutputText(text);
         std::span<const std::byte> bytes;
-        return encoder_.Encode(text, encoding_, bytes) && platform::WriteStandardOutput(bytes);
+        ErrorRecord reason;
+        if (encoder_->Encode(reason, text, bytes)) return platform::WriteStandardOutput(bytes);
+        error = reason.text;
+        return false;
     }
 
-    const Encoding encoding_;
     const bool as_pattern_;
     const bool terminal_;
-    PlainTextEncoder encoder_;
+    std::unique_ptr<TextEncoder> encoder_;
     String text_;  // reused
 };
 
 }  // namespace
 
-std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, Encoding encoding,
+std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, const TextForm& form,
                                          bool append, LossTold told) {
     auto sink = std::make_unique<FileSink>(told);
-    if (!sink->Open(error, name, encoding, append)) return nullptr;
+    if (!sink->Open(error, name, form, append)) return nullptr;
     return sink;
 }
 
-std::unique_ptr<OutputSink> OpenConsoleSink(Encoding encoding, bool as_pattern) {
-    return std::make_unique<ConsoleSink>(encoding, as_pattern);
+std::unique_ptr<OutputSink> OpenConsoleSink(String& error, const TextForm& form, bool as_pattern) {
+    auto sink = std::make_unique<ConsoleSink>(as_pattern);
+    if (!sink->Open(error, form)) return nullptr;
+    return sink;
 }
 
 }  // namespace DataConsumers

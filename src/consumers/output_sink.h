@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "base/strings.h"
-#include "files/encoding.h"
+#include "files/text_writer.h"
 
 namespace DataConsumers {
 
@@ -18,6 +18,11 @@ public:
     virtual bool Write(String& error, StringView text, std::size_t& bytes) = 0;
     // Ends the output; false when its last data did not arrive.
     virtual bool Close(String& error) = 0;
+
+    // Whether the file held nothing when it was opened.
+    virtual bool BeganEmpty() const { return true; }
+    // Characters that the encoding lacks and that were replaced.
+    virtual std::uint64_t Replaced() const = 0;
 };
 
 // How a sink tells of data that did not arrive.
@@ -28,12 +33,12 @@ enum class LossTold {
 
 // A file, opened as TextWriter::Open does it. On failure returns null and `error` holds the
 // message.
-std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, Encoding encoding,
+std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, const TextForm& form,
                                          bool append, LossTold told);
 
-// Standard output. A terminal takes characters, anything else bytes of the encoding without a
-// byte-order mark.
+// Standard output. A terminal takes characters, anything else bytes of the encoding, behind its
+// byte-order mark where the form says so. Fails as MakeTextEncoder does.
 // as_pattern: each text is a format text without arguments: "%%" stands for one percent sign.
-std::unique_ptr<OutputSink> OpenConsoleSink(Encoding encoding, bool as_pattern);
+std::unique_ptr<OutputSink> OpenConsoleSink(String& error, const TextForm& form, bool as_pattern);
 
 }  // namespace DataConsumers

@@ -27,7 +27,10 @@ public:
     void SetConsoleInput(bool on) { console_input_ = on; }
 
     // Opens a file for writing, see TextWriter::Open.
-    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append);
+    bool Open(ErrorRecord& error, const String& name, const TextForm& form, bool append);
+    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
+        return Open(error, name, TextForm{.encoding = {encoding}}, append);
+    }
     // TextWriter::Write, with one difference: when not all bytes reach the file there is no text,
     // and a notice on standard error tells the reason.
     bool Write(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
@@ -41,7 +44,8 @@ public:
 
     const String& MemoryText() const { return memory_text_; }
     // The encoding of the file that is written.
-    Encoding CurrentEncoding() const { return writer_.CurrentEncoding(); }
+    Encoding CurrentEncoding() const { return writer_.CurrentEncoding().form; }
+    const TextWriter& Writer() const { return writer_; }
 
     // OpenByMark, except that an empty name opens nothing and succeeds with Ansi and no stream.
     static bool OpenFile(ErrorRecord& error, std::unique_ptr<platform::InputFile>& stream,
@@ -66,7 +70,7 @@ private:
     bool console_input_ = false;
     bool memory_mode_ = false;
     bool memory_opened_ = false;
-    Encoding memory_encoding_ = Encoding::Ansi;
+    TextForm memory_form_;
     String memory_text_;
     TextWriter writer_;
     LineReader reader_;

@@ -1,8 +1,5 @@
 #include "files/reject_file.h"
 
-#include <span>
-
-#include "base/utf8.h"
 #include "files/format.h"
 #include "files/text.h"
 
@@ -24,19 +21,11 @@ void RejectFile::Use(const String& name, std::uint64_t most) {
 
 bool RejectFile::Begin(String& error) {
     ErrorRecord reason;
-    if (!writer_.Open(reason, name_, Encoding::Ansi, false)) {  // so that no mark is written
-        error = reason.text;
-        return false;
+    const TextForm form{.encoding = {Encoding::Utf8}, .marked = false};
+    if (writer_.Open(reason, name_, form, false) &&
+        writer_.Write(reason, u"line,reason,record\r\n")) {
+        return true;
     }
-    line_ = u"line,reason,record\r\n";
-    return WriteLine(error);
-}
-
-bool RejectFile::WriteLine(String& error) {
-    bytes_.clear();
-    AppendUtf8(line_, bytes_);
-    ErrorRecord reason;
-    if (writer_.WriteBytes(reason, std::as_bytes(std::span(bytes_)))) return true;
     error = reason.text;
     return false;
 }
@@ -52,7 +41,10 @@ bool RejectFile::Add(String& error, std::uint64_t line, StringView reason, Strin
     AppendField(line_, reason);
     AppendField(line_, record);
     line_ += u"\r\n";
-    return WriteLine(error);
+    ErrorRecord write_error;
+    if (writer_.Write(write_error, line_)) return true;
+    error = write_error.text;
+    return false;
 }
 
 bool RejectFile::Close(String& error) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "base/strings.h"
 #include "files/text_writer.h"
@@ -28,12 +27,10 @@ public:
 
 private:
     bool Begin(String& error);
-    bool WriteLine(String& error);
 
     String name_;
     std::uint64_t most_ = 0;
     std::uint64_t count_ = 0;
     TextWriter writer_;
-    String line_;  // these two are reused
-    std::string bytes_;
+    String line_;  // reused
 };

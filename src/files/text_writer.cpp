@@ -7,29 +7,42 @@
 #include "files/byte_order_mark.h"
 #include "files/format.h"
 
-bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
+bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
     using Mode = platform::OutputFile::Mode;
     name_ = name;
-    encoding_ = encoding;
     failed_ = false;
     output_.reset();  // it may be the same file
+    if (!MakeEncoder(error, form, form.encoding)) return false;
     const bool existed = platform::PathExists(name);
     const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
     output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
     // What is no regular file has no content to go on behind, and no mark of its own.
     const bool behind_content = append && output_ && output_->IsRegular();
-    if (behind_content && existed) ContinueInOwnEncoding();
+    if (behind_content && existed) {
+        const Encoding own = OwnMark();
+        const bool keeps = own == Encoding::Ansi && form.keeps_encoding;
+        if (!keeps && !MakeEncoder(error, form, {own})) return false;
+    }
     std::uint64_t position = 0;
     if (!output_ || (behind_content && !output_->SeekEnd(error, position))) {
         error.text.insert(0, u"Could not open file for writing: ");
         output_.reset();
         return false;
     }
-    if (position == 0) WriteByteOrderMark();
+    began_empty_ = position == 0;
+    if (began_empty_ && form.marked) WriteByteOrderMark();
     return true;
 }
 
-void TextWriter::ContinueInOwnEncoding() {
+bool TextWriter::MakeEncoder(ErrorRecord& error, const TextForm& form,
+                             const FileEncoding& encoding) {
+    encoding_ = encoding;
+    encoder_ = MakeTextEncoder(error, encoding, form.unmappable);
+    return encoder_ != nullptr;
+}
+
+// What the file's own mark declares; Ansi without one.
+Encoding TextWriter::OwnMark() {
     std::array<std::byte, 3> start{};
     std::size_t count = 0;
     ErrorRecord failure;
@@ -37,13 +50,13 @@ void TextWriter::ContinueInOwnEncoding() {
         TellNotice(Format(u"dFile::CheckUnicode could not read the file [%d].\n", failure.code),
                    NoticeStream::Output);
     }
-    encoding_ = RecogniseByteOrderMark(std::span(start).first(count));
+    return RecogniseByteOrderMark(std::span(start).first(count));
 }
 
 // A mark that cannot be written is no failure: the first text will meet the same trouble.
 void TextWriter::WriteByteOrderMark() {
     ErrorRecord ignored;
-    output_->Write(ignored, ByteOrderMarkOf(encoding_));
+    output_->Write(ignored, ByteOrderMarkOf(encoding_.form));
 }
 
 bool TextWriter::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
@@ -52,10 +65,7 @@ bool TextWriter::Write(ErrorRecord& error, StringView text, std::size_t* written
         return false;
     }
     std::span<const std::byte> bytes;
-    if (!encoder_.Encode(text, encoding_, bytes)) {
-        error.text = kEncodingNotSupported;
-        return false;
-    }
+    if (!encoder_->Encode(error, text, bytes)) return false;
     if (written_size != nullptr) *written_size = bytes.size();
     return WriteBytes(error, bytes);
 }
