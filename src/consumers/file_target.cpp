@@ -147,7 +147,6 @@ bool FileTarget::WriteUncounted(String& error, StringView text) {
 
 // bytes: how many reached the file.
 bool FileTarget::Put(String& error, StringView text, std::size_t& bytes) {
-    error.clear();  // a write that fails may have no text, nor may an earlier one stand for it
     if (write_failed_) return false;
     if (!sink_) {
         error = u"File is not opened yet.";

@@ -51,7 +51,6 @@ bool JSONFile::BeginFile(String& error) {
 bool JSONFile::Prepare(String& /*error*/, RowSet& /*rows*/) { return true; }
 
 bool JSONFile::Write(String& error, RowSet& rows) {
-    error.clear();
     if (!FileIsOpen()) return false;
     if (rows.Row.size() != rows.Columns.size()) {
         error = Format(u"JSONFile: Broken row structure [Values: %d, Structure: %d for '%s']",

@@ -8,7 +8,7 @@
 #include "files/format.h"
 #include "platform/console.h"
 #include "run/logger_console.h"
-#include "run/manager.h"
+#include "run/report_error.h"
 
 DataStep::DataStep(Configuration& configuration, std::size_t index, const RunOptions& options,
                    Quillon::Logger& logger, const Quillon::LoggerConsole& console,
@@ -55,7 +55,7 @@ void DataStep::Report(String& error) {
     if (configuration_.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration_, at_work_));
     }
-    Manager::ReportError(error, logger_, {});
+    ReportError(error, logger_, {});
 }
 
 bool DataStep::Fail(String& error) {
@@ -172,11 +172,13 @@ bool DataStep::MoveRows(String& error) {
 
 // Reads the next row; false at the end of a result set, or of all where failed_ says so.
 bool DataStep::FetchRow(String& error) {
+    error.clear();  // what an earlier call said is no part of this one
     if (!source_) return false;
     if (source_->Fetch(error, rows_, false)) {
         ++rows_read_;
         return true;
     }
+    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     return EndReading(error);
 }
 
@@ -185,7 +187,6 @@ bool DataStep::FetchRow(String& error) {
 // `error` is told anyway. Always false.
 bool DataStep::EndReading(String& error) {
     if (error.empty() && source_->Loss().empty()) return false;
-    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     const bool lost = !source_->Loss().empty();
     failed_ = lost && (on_read_error_ == OnReadError::Stop || source_->LossFailsStep());
     if (!lost) return false;
@@ -200,6 +201,7 @@ bool DataStep::EndReading(String& error) {
 bool DataStep::MoveRow(String& error) {
     if (!TransformRow(error)) return false;
     if (rows_.SkipRow) return true;
+    error.clear();
     if (target_ && !target_->Write(error, rows_)) {
         at_work_ = {Section::Target, 0, rows_read_, source_->Line()};
         return false;
@@ -224,24 +226,23 @@ bool DataStep::TransformRow(String& error) {
 // Moves on to the source's next result set; false at the end, and where moving on has failed.
 // Reading that ended in a failure is told of here.
 bool DataStep::NextResultSet(String& error) {
-    String set_error = std::move(error);
+    String reading = std::move(error);  // what ended the last result set
     error.clear();
-    const bool more = source_ && source_->HasMoreData(set_error, rows_);
-    if (source_ && !more) EndReading(set_error);
-    if (failed_) {
-        error = std::move(set_error);
-        return false;
-    }
+    const bool more = source_ && source_->HasMoreData(error, rows_);
+    at_work_ = {Section::Source};
+    if (source_ && !more) EndReading(error);
+    if (failed_) return false;
     if (more && target_) {
-        Manager::ReportError(set_error, logger_, {});  // of the reading that ended the last one
+        ReportError(reading, logger_, {});
         return BeginNextResultSet(error);
     }
-    if (!set_error.empty()) {
-        Manager::ReportError(set_error, logger_, u"HasMoreData: " + set_error);
-    } else if (!more && !measuring_failure_.empty()) {
-        // The second reading did not meet it, so nobody else tells.
-        Manager::ReportError(set_error, logger_, u"HasMoreData: " + measuring_failure_);
+    // The second reading may not have met what the measuring one did; then nobody else tells.
+    for (const String& text : {error, reading, more ? String() : measuring_failure_}) {
+        if (text.empty()) continue;
+        ReportError(error, logger_, u"HasMoreData: " + text);
+        break;
     }
+    error.clear();
     return more;
 }
 
@@ -256,7 +257,7 @@ bool DataStep::BeginNextResultSet(String& error) {
         failed_ = true;
         return false;
     }
-    Manager::ReportError(error, logger_, {});
+    ReportError(error, logger_, {});
     error.clear();
     return true;
 }

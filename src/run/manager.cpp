@@ -14,6 +14,7 @@
 #include "run/check_run.h"
 #include "run/data_step.h"
 #include "run/logger_file.h"
+#include "run/report_error.h"
 #include "run/step_place.h"
 #include "run/step_selection.h"
 #include "system/system_step.h"
@@ -28,10 +29,7 @@ Words GlobalWord(const Configuration& configuration, Key key) {
 }  // namespace
 
 bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView message) {
-    if (!message.empty()) error = message;
-    String ignored;
-    if (!error.empty()) logger.Write(ignored, error, 0);
-    return false;
+    return ::ReportError(error, logger, message);
 }
 
 // The edition and the stream of messages are settled before the banner, which is the first message.
@@ -91,9 +89,13 @@ bool Manager::LoadJob(String& error, Configuration& configuration, const String&
 }
 
 bool Manager::ExamineCommandLine(String& error, Configuration& configuration) {
-    std::vector<Finding> findings = CheckSwitches(configuration);
+    const bool checks = configuration.CommandLine().Find(kCheckSwitch->name) != nullptr;
+    std::vector<Finding> findings =
+        CheckSwitches(configuration, checks ? CheckDepth::Whole : CheckDepth::Refusals);
     std::vector<std::size_t> steps;
-    if (!SelectSteps(error, configuration, steps)) findings.push_back({{}, true, error});
+    if (findings.empty() && !SelectSteps(error, configuration, steps)) {
+        findings.push_back({{}, true, error});
+    }
     error.clear();
     refused_command_line_ = !TellFindings(error, configuration, findings);
     return !refused_command_line_;

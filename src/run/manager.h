@@ -34,9 +34,7 @@ public:
     // "Could not open log file '%s' for writing [%s]."
     bool OpenLog(String& error, const String& step_log_name, bool overwrite);
 
-    // Reports a failure: a message that is not empty replaces `error`, which is then written
-    // through `logger` unless there is nothing to write. Always false, so that a caller can return
-    // it.
+    // See run/report_error.h.
     static bool ReportError(String& error, Quillon::Logger& logger, StringView message);
 
 private:
