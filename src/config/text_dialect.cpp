@@ -52,8 +52,8 @@ bool ReadNullText(String& error, const SectionSettings& settings, const TextSign
     const bool given = settings.IsGiven(kNullText);
     if (!given && signs.dialect == Dialect::Plain) return true;
     null_text = settings.Text(kNullText);
-    const bool has_signs = signs.widths.empty() && (Holds(*null_text, signs.delimiter) ||
-                                                    Holds(*null_text, signs.quote));
+    const bool has_signs = signs.widths.empty() &&
+                           (Holds(*null_text, signs.delimiter) || Holds(*null_text, signs.quote));
     if (!has_signs && null_text->find_first_of(kLineEnds) == String::npos) return true;
     error = Format(u"NullText '%s' holds the delimiter, the quote or a line end.", *null_text);
     return false;

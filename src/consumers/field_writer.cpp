@@ -24,9 +24,9 @@ public:
         : delimiter_(layout.delimiter), quote_(layout.quote), null_text_(layout.null_text) {}
 
     void AppendText(StringView text, String& line) const {
-        const bool quoted = kQuotation == Quotation::Always ||
-                            (kQuotation == Quotation::ByValue &&
-                             text.find(delimiter_) != StringView::npos);
+        const bool quoted =
+            kQuotation == Quotation::Always ||
+            (kQuotation == Quotation::ByValue && text.find(delimiter_) != StringView::npos);
         if (quoted) line += quote_;
         line += text;
         if (quoted) line += quote_;

@@ -49,7 +49,9 @@ constexpr Key kFixedWidth = kKeys[u"FixedWidth"];
 
 }  // namespace
 
-KeyList TextFile::Keys() { return {kKeys, kDialectKeys, kOverwriteKeys, kEncodingKeys, FileKeys()}; }
+KeyList TextFile::Keys() {
+    return {kKeys, kDialectKeys, kOverwriteKeys, kEncodingKeys, FileKeys()};
+}
 
 bool TextFile::ReadSettings(String& error, const SectionSettings& settings) {
     const ScopedState state(u"TextFile::Open");

@@ -4,8 +4,7 @@
 
 #include "files/unit_search.h"
 
-CsvRecords::CsvRecords(DecodedInput input, String encoding_name,
-                       const RecordLayout& layout)
+CsvRecords::CsvRecords(DecodedInput input, String encoding_name, const RecordLayout& layout)
     : DecodedRecords(std::move(input), std::move(encoding_name), layout, LineEnds::All),
       delimiter_(layout.delimiter),
       quote_(layout.quote.empty() ? layout.delimiter : layout.quote.front()),

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/strings.h"
+#include "files/encoding.h"
 #include "files/text_decoder.h"
 #include "platform/file_system.h"
 
@@ -36,6 +37,8 @@ public:
 
     // True when reading ended because the system could not read on.
     bool Failed() const { return stream_->Failed(); }
+    // Unpaired surrogates that became U+FFFD so far.
+    std::uint64_t Replaced() const { return decoder_->Replaced(); }
     // True when the stream gives the same bytes if it is opened once more.
     bool CanReopen() const { return stream_->CanReopen(); }
     // How much of the file has been read, where its length is known.

@@ -6,8 +6,8 @@
 #include "files/format.h"
 #include "files/unit_search.h"
 
-DecodedRecords::DecodedRecords(DecodedInput input, String encoding_name,
-                               const RecordLayout& layout, LineEnds line_ends)
+DecodedRecords::DecodedRecords(DecodedInput input, String encoding_name, const RecordLayout& layout,
+                               LineEnds line_ends)
     : input_(std::move(input)),
       encoding_name_(std::move(encoding_name)),
       comment_(layout.comment),

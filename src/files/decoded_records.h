@@ -12,6 +12,7 @@ public:
     StringView Raw() const final { return input_.Text().substr(start_, length_); }
     String Fault() const final;
     bool IsFaulty() const final { return fault_ != FaultKind::None; }
+    std::uint64_t Replaced() const final { return input_.Replaced(); }
     bool CanReopen() const final { return input_.CanReopen(); }
     std::optional<double> Share() const final { return input_.Share(); }
 

@@ -29,8 +29,7 @@ StringView TrimRight(StringView field) {
 
 }  // namespace
 
-PlainRecords::PlainRecords(DecodedInput input, String encoding_name,
-                           const RecordLayout& layout)
+PlainRecords::PlainRecords(DecodedInput input, String encoding_name, const RecordLayout& layout)
     : DecodedRecords(std::move(input), std::move(encoding_name), layout, LineEnds::LineFeeds),
       delimiter_(layout.delimiter),
       quote_(layout.quote) {}
@@ -60,9 +59,9 @@ bool PlainRecords::Scan(StringView unread, bool last) {
     return true;
 }
 
-WidthRecords::WidthRecords(DecodedInput input, String encoding_name,
-                           const RecordLayout& layout)
-    : DecodedRecords(std::move(input), std::move(encoding_name), layout, LineEnds::All), widths_(layout.widths) {}
+WidthRecords::WidthRecords(DecodedInput input, String encoding_name, const RecordLayout& layout)
+    : DecodedRecords(std::move(input), std::move(encoding_name), layout, LineEnds::All),
+      widths_(layout.widths) {}
 
 void WidthRecords::Begin(Content /*content*/) { scanned_ = 0; }
 

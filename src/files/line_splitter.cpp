@@ -10,7 +10,6 @@ void SplitLine(StringView line, char16_t delimiter, StringView quote, OuterQuote
                std::vector<StringView>& fields) {
     fields.clear();
     const StringView stripped = outer == OuterQuotes::Strip ? quote : StringView{};
-    SplitLine(line, delimiter, quote, [&](StringView field) {
-        fields.push_back(StripOuterQuotes(field, stripped));
-    });
+    SplitLine(line, delimiter, quote,
+              [&](StringView field) { fields.push_back(StripOuterQuotes(field, stripped)); });
 }

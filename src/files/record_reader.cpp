@@ -5,7 +5,6 @@
 
 #include "files/byte_order_mark.h"
 #include "files/csv_records.h"
-#include "files/format.h"
 #include "files/line_reader.h"
 #include "files/line_records.h"
 #include "files/line_splitter.h"
@@ -41,6 +40,7 @@ public:
 
     bool Failed() const override { return reader_.Failed(); }
     StringView Raw() const override { return text_; }
+    std::uint64_t Replaced() const override { return 0; }
     bool CanReopen() const override { return reader_.CanReopen(); }
     std::optional<double> Share() const override { return reader_.Share(); }
 
@@ -61,8 +61,9 @@ FileEncoding TakeMark(platform::InputFile& stream, const RecordEncoding& wanted,
     const std::span<const std::byte> read = std::span(start).first(stream.ReadFully(start));
     const Encoding marked = RecogniseByteOrderMark(read);
     const bool named = wanted.by == By::Name;
-    const bool own = named && wanted.encoding.code_page == 0 && marked == wanted.encoding.form;
-    const bool taken = wanted.by == By::Mark || own || (wanted.by == By::Bytes && marked == Encoding::Utf8);
+    const bool own = named && !wanted.encoding.code_page && marked == wanted.encoding.form;
+    const bool taken =
+        wanted.by == By::Mark || own || (wanted.by == By::Bytes && marked == Encoding::Utf8);
     if (taken) skipped = ByteOrderMarkOf(marked).size();
     stream.PutBack(read.subspan(skipped));
     if (named) return wanted.encoding;
@@ -71,11 +72,6 @@ FileEncoding TakeMark(platform::InputFile& stream, const RecordEncoding& wanted,
         return {.form = wide ? marked : Encoding::Ansi};
     }
     return {.form = marked == Encoding::Ansi ? Encoding::Utf8 : marked};
-}
-
-String NameOf(const FileEncoding& encoding) {
-    if (encoding.code_page != 0) return Format(u"CP%u", encoding.code_page);
-    return encoding.form == Encoding::Utf8 ? u"UTF-8" : u"UTF-16";
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "base/error_record.h"
 #include "base/strings.h"
-#include "files/text_encoder.h"
+#include "files/encoding.h"
 #include "platform/file_system.h"
 
 // Bytes that are read at once: what they decode to stays in the processor's nearer memory.
@@ -73,6 +73,8 @@ public:
     virtual String Fault() const { return {}; }
     virtual bool IsFaulty() const { return false; }
 
+    // Unpaired surrogates that became U+FFFD so far.
+    virtual std::uint64_t Replaced() const = 0;
     // True when what was opened gives the same records if it is opened once more.
     virtual bool CanReopen() const = 0;
     // How much of the file has been read, where its length is known.

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/sql_types.h"
 #include "config/text_dialect.h"
+#include "core/sql_types.h"
 #include "files/format.h"
 #include "files/line_splitter.h"
 #include "files/text.h"
@@ -102,34 +102,24 @@ bool IsTextColumn(const RowSet& rows, std::size_t position) {
     return position >= rows.Columns.size() || rows.Columns[position].DataType == kSqlWVarchar;
 }
 
-bool ReadEncodingOf(String& error, const SectionSettings& settings, RecordEncoding& encoding) {
+RecordEncoding EncodingOf(const SectionSettings& settings) {
     using By = RecordEncoding::By;
     enum class Word { Bytes, Auto, Utf8, Utf16LittleEndian, Utf16BigEndian, CodePage };
     switch (settings.Word(kInputEncoding, Word::Bytes)) {
         case Word::Bytes:
-            encoding = {By::Bytes, {}};
-            return true;
+            return {By::Bytes, {}};
         case Word::Auto:
-            encoding = {By::Mark, {}};
-            return true;
+            return {By::Mark, {}};
         case Word::Utf8:
-            encoding = {By::Name, {.form = Encoding::Utf8}};
-            return true;
+            return {By::Name, {.form = Encoding::Utf8}};
         case Word::Utf16LittleEndian:
-            encoding = {By::Name, {.form = Encoding::Utf16LittleEndian}};
-            return true;
+            return {By::Name, {.form = Encoding::Utf16LittleEndian}};
         case Word::Utf16BigEndian:
-            encoding = {By::Name, {.form = Encoding::Utf16BigEndian}};
-            return true;
+            return {By::Name, {.form = Encoding::Utf16BigEndian}};
         case Word::CodePage:
             break;
     }
-    const String word = settings.Text(kInputEncoding);
-    const std::int64_t number = text::ToInteger(StringView(word).substr(2));
-    encoding = {By::Name, {.code_page = static_cast<std::uint16_t>(number)}};
-    if (number != 0 && number == encoding.encoding.code_page) return true;
-    error = Format(u"Code page '%s' is not known.", word);
-    return false;
+    return {By::Name, EncodingOfCodePage(settings.Text(kInputEncoding))};
 }
 
 }  // namespace
@@ -140,7 +130,7 @@ KeyList TextFile::Keys() { return {kKeys, kDialectKeys}; }
 
 bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     loss_fails_step_ = false;
-    skipped_ = 0;
+    skipped_ = replaced_ = 0;
     record_pending_ = false;
     blanks_pending_ = 0;
     if (!FindInput(error, settings) || !ReadLayout(error, settings)) return false;
@@ -188,11 +178,10 @@ bool TextFile::ReadLayout(String& error, const SectionSettings& settings) {
     layout_.comment.reset();
     if (!comment.empty()) layout_.comment = comment.front();
     quote_ = signs.quote.empty() ? u'\0' : signs.quote.front();
-    row_follows_columns_ =
-        layout_.form != Form::Plain || settings.Follows(Rule::RowFollowsColumns);
+    row_follows_columns_ = layout_.form != Form::Plain || settings.Follows(Rule::RowFollowsColumns);
     rest_is_null_ = layout_.form != Form::Plain;
-    return ReadNullText(error, settings, signs, null_text_) &&
-           ReadEncodingOf(error, settings, encoding_);
+    encoding_ = EncodingOf(settings);
+    return ReadNullText(error, settings, signs, null_text_);
 }
 
 // What is set stands above what is not; `OnBadRow` stands above `SkipIncompleteLines`.
@@ -223,10 +212,10 @@ bool TextFile::ReadBadRows(String& error, const SectionSettings& settings) {
 
 bool TextFile::OpenReader(String& error) {
     ErrorRecord open_error;
-    reader_ = input_file_.empty()
-                  ? MakeRecordReader(open_error, platform::InputFile::StandardInput(), encoding_,
-                                     layout_)
-                  : OpenRecords(open_error, input_file_, encoding_, layout_);
+    reader_ =
+        input_file_.empty()
+            ? MakeRecordReader(open_error, platform::InputFile::StandardInput(), encoding_, layout_)
+            : OpenRecords(open_error, input_file_, encoding_, layout_);
     if (!reader_) error = open_error.text;
     return reader_ != nullptr;
 }
@@ -325,8 +314,7 @@ TextFile::Fate TextFile::FateOf(String& error, std::size_t columns) {
     if (faulty) return FateOfBad(error, faulty_rows_, reader_->Fault());
     const BadRow handling = count < columns ? short_rows_ : long_rows_;
     if (handling == BadRow::Deliver) return Fate::Delivered;
-    return FateOfBad(error, handling,
-                     Format(u"%u fields where %u columns are.", count, columns));
+    return FateOfBad(error, handling, Format(u"%u fields where %u columns are.", count, columns));
 }
 
 TextFile::Fate TextFile::FateOfBad(String& error, BadRow handling, StringView reason) {
@@ -377,11 +365,16 @@ bool TextFile::IsNull(const RecordField& field, const RowSet& rows, std::size_t 
     return field.text.empty() && !IsTextColumn(rows, position);
 }
 
+std::uint64_t TextFile::ReplacedCharacters() const {
+    return reader_ ? reader_->Replaced() : replaced_;
+}
+
 std::optional<double> TextFile::ReadShare() const {
     return reader_ ? reader_->Share() : std::nullopt;
 }
 
 bool TextFile::Close() {
+    replaced_ = ReplacedCharacters();
     reader_.reset();
     return true;
 }

@@ -32,6 +32,7 @@ public:
     String InputFile() const override { return input_file_; }
     std::uint64_t Skipped() const override { return skipped_; }
     std::uint64_t Rejected() const override { return reject_file_.Count(); }
+    std::uint64_t ReplacedCharacters() const override;
     std::uint64_t Line() const override { return reader_ ? reader_->Line() : 0; }
     std::optional<double> ReadShare() const override;
 
@@ -75,6 +76,7 @@ private:
     bool names_lines_ = false;  // failures say their line themselves
     RejectFile reject_file_;
     std::uint64_t skipped_ = 0;
+    std::uint64_t replaced_ = 0;  // of a file that has been closed
 
     bool record_pending_ = false;       // the current record is still to be delivered
     std::uint64_t blanks_pending_ = 0;  // so are so many records without a character before it
