@@ -65,9 +65,8 @@ private:
         if (text.empty()) return false;
         if (IsBlank(text.front()) || IsBlank(text.back())) return true;
         const char16_t* const end = text.data() + text.size();
-        return FindUnit(text.data(), end, [this](auto unit) {
-                   return (unit == delimiter_) | (unit == quote_) | (unit == u'\r') |
-                          (unit == u'\n');
+        return FindUnit(text.data(), end, [delimiter = delimiter_, quote = quote_](auto unit) {
+                   return (unit == delimiter) | (unit == quote) | (unit == u'\r') | (unit == u'\n');
                }) != end;
     }
 

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "files/unit_search.h"
-
 CsvRecords::CsvRecords(DecodedInput input, String encoding_name, const RecordLayout& layout)
     : DecodedRecords(std::move(input), std::move(encoding_name), layout, LineEnds::All),
       delimiter_(layout.delimiter),
@@ -17,22 +15,25 @@ void CsvRecords::Begin(Content /*content*/) {
 }
 
 // The fields of a record that goes on move with the text.
-void CsvRecords::Rebase(const char16_t* base) {
-    if (at_ != 0) {
-        for (RecordField& field : fields_) {
-            field.text = {base + (field.text.data() - base_), field.text.size()};
-        }
+void CsvRecords::TextMoved(const char16_t* from, const char16_t* to) {
+    ends_.Forget();
+    for (RecordField& field : fields_) {
+        field.text = {to + (field.text.data() - from), field.text.size()};
     }
-    base_ = base;
 }
 
 // One straight flow through the places of a field. Where the text runs out it notes the place, to
 // go on there with more: a value of any length is looked at once.
 bool CsvRecords::Scan(StringView unread, bool last) {
-    Rebase(unread.data());
     const char16_t* const begin = unread.data();
     const char16_t* const end = begin + unread.size();
     const char16_t* at = begin + at_;
+    const auto ends_unquoted = [delimiter = delimiter_](auto unit) {
+        return (unit == delimiter) | (unit == u'\n') | (unit == u'\r');
+    };
+    const auto stops_quoted = [quote = quote_](auto unit) {
+        return (unit == quote) | (unit == u'\n') | (unit == u'\r');
+    };
     const auto field_text = [&](const char16_t* to) {
         return StringView(begin + field_, static_cast<std::size_t>(to - begin) - field_);
     };
@@ -52,9 +53,7 @@ bool CsvRecords::Scan(StringView unread, bool last) {
                 [[fallthrough]];
 
             case Place::Unquoted:
-                at = FindUnit(at, end, [this](auto unit) {
-                    return (unit == delimiter_) | (unit == u'\n') | (unit == u'\r');
-                });
+                at = ends_.Next(at, end, ends_unquoted);
                 if (at == end && !last) break;
                 fields_.push_back({field_text(at)});
                 if (at != end && *at == delimiter_) {
@@ -66,9 +65,7 @@ bool CsvRecords::Scan(StringView unread, bool last) {
                 return true;
 
             case Place::Quoted:
-                at = FindUnit(at, end, [this](auto unit) {
-                    return (unit == quote_) | (unit == u'\n') | (unit == u'\r');
-                });
+                at = FindUnit(at, end, stops_quoted);
                 if (at == end) {
                     if (!last) break;
                     Blame(FaultKind::InsideQuotes);
@@ -95,9 +92,7 @@ bool CsvRecords::Scan(StringView unread, bool last) {
 
             case Place::BehindQuote: {
                 const char16_t* const behind = at;
-                at = FindUnit(at, end, [this](auto unit) {
-                    return (unit == delimiter_) | (unit == u'\n') | (unit == u'\r');
-                });
+                at = ends_.Next(at, end, ends_unquoted);
                 if (at != behind) Blame(FaultKind::BehindQuote);
                 if (at == end && !last) break;
                 fields_.push_back({field_text(begin + field_end_), true, doubled_});

@@ -35,8 +35,10 @@ bool DecodedRecords::Read(Content content) {
             } else if (ended_) {
                 return false;
             }
+            const char16_t* const from = input_.Text().data() + start_;
             ended_ = !input_.More(start_);
             start_ = 0;
+            TextMoved(from, input_.Text().data());
             if (ended_ && input_.Failed()) return false;  // nobody knows how the record goes on
         }
     } while (comment);

@@ -30,6 +30,8 @@ protected:
 
     // Forgets the record before.
     virtual void Begin(Content content) = 0;
+    // There is more text; the start of the record has moved.
+    virtual void TextMoved(const char16_t* /*from*/, const char16_t* /*to*/) {}
     // Looks for the end of the record in what is there of it, and goes on where the last call with
     // the same record stopped. True when the record has been taken with EndAt.
     // unread: from the start of the record; it may have moved since the last call

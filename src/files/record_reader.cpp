@@ -77,11 +77,11 @@ FileEncoding TakeMark(platform::InputFile& stream, const RecordEncoding& wanted,
 }  // namespace
 
 void TakeField(const RecordField& field, char16_t quote, String& value) {
+    value.clear();
     if (!field.doubled) {
-        value.assign(field.text);
+        value.append(field.text);  // dearer with assign
         return;
     }
-    value.clear();
     const char16_t* at = field.text.data();
     const char16_t* const end = at + field.text.size();
     while (at != end) {
