@@ -55,7 +55,7 @@ constexpr KeyTable kKeys({
      .meaning = u"the file for the records that OnBadRow=Reject sets aside",
      .macros = Macros::Replaced,
      .since = Since::Later,
-     .names = Names::File},
+     .names = Names::FileAside},
     {.name = u"MaxRejects",
      .kind = KeyKind::Number,
      .edition1 = u"1000",
@@ -314,7 +314,8 @@ TextFile::Fate TextFile::FateOf(String& error, std::size_t columns) {
     if (faulty) return FateOfBad(error, faulty_rows_, reader_->Fault());
     const BadRow handling = count < columns ? short_rows_ : long_rows_;
     if (handling == BadRow::Deliver) return Fate::Delivered;
-    return FateOfBad(error, handling, Format(u"%u fields where %u columns are.", count, columns));
+    const StringView word = count == 1 ? u"field" : u"fields";
+    return FateOfBad(error, handling, Format(u"%u %s where %u columns are.", count, word, columns));
 }
 
 TextFile::Fate TextFile::FateOfBad(String& error, BadRow handling, StringView reason) {
