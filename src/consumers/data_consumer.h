@@ -56,6 +56,10 @@ public:
     virtual void KeepClearOf(const String& /*input_file*/) {}
     // Whether the widths of all values must be known before the first row.
     virtual bool MeasuresWidths() const { return false; }
+    // Measure what Prepare and Write would write, into the columns' MaxWidth: the names, from which
+    // the widths of a result set begin, and the values of the current row.
+    virtual void MeasureNames(RowSet& /*rows*/) const {}
+    virtual void MeasureRow(RowSet& /*rows*/) const {}
     // Whether the written size counts bytes.
     virtual bool WritesBytes() const { return false; }
 

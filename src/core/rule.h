@@ -14,5 +14,8 @@ enum class Rule {
     AppendKeepsEncoding,  // appending goes on in the job's encoding; an empty file counts as new
     ConsoleIsForAll,      // STDOUT and CONSOLE are standard output for every file target
     NoEmptyTables,        // no table without rows stands between two result sets
+    TabHasEscape,         // a delimiter may be written as \t
+    EmptyTextIsTold,      // a text file that should hold names and is empty is told of by its name
+    WidthsAsWritten,      // fixed widths are those of what is written, in every result set
     LossesAreCounted,     // the statistics count records skipped and rows rejected
 };

@@ -299,7 +299,9 @@ void DataStep::WriteLosses() const {
     tell(source_ ? source_->Skipped() : 0, u"records skipped");
     tell((source_ ? source_->Rejected() : 0) + (target_ ? target_->Rejected() : 0),
          u"rows rejected");
-    tell(target_ ? target_->ReplacedCharacters() : 0, u"characters replaced");
+    tell((source_ ? source_->ReplacedCharacters() : 0) +
+             (target_ ? target_->ReplacedCharacters() : 0),
+         u"characters replaced");
 }
 
 // The total counts from the start of the run, so it is cumulative over the steps.
