@@ -75,6 +75,7 @@ bool FileTarget::LeaveFile(String& /*error*/) { return true; }
 bool FileTarget::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     replaced_ = 0;
+    written_files_.clear();
     columns_are_new_ = true;
     write_failed_ = false;
     untold_failure_.clear();
@@ -141,6 +142,7 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
         TextForm form = form_;
         form.marked = std::exchange(marks_console_, false);  // once, whatever begins behind it
         sink_ = OpenConsoleSink(error, form, !any_console_word_, sink_policy_);
+        written_files_.push_back({name});
         return sink_ != nullptr && BeginFile(error);
     }
     // What is replaced at the end can be read till then.
@@ -149,6 +151,7 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     if (!file) return false;
     sink_ = OpenFileSink(error, name, std::move(file), form_, goes_on_, sink_policy_);
     if (sink_ == nullptr) return false;
+    written_files_.push_back({name});
     if (form_.keeps_encoding) goes_on_ = !sink_->BeganEmpty();
     return BeginFile(error);
 }
@@ -218,7 +221,9 @@ bool FileTarget::Put(String& error, StringView text, std::size_t& bytes) {
         error = u"File is not opened yet.";
         return false;
     }
-    if (sink_->Write(error, text, bytes)) return true;
+    const bool taken = sink_->Write(error, text, bytes);
+    written_files_.back().bytes += bytes;
+    if (taken) return true;
     NoteLoss();
     return false;
 }

@@ -48,6 +48,7 @@ public:
     void KeepClearOf(const String& input_file) override { input_file_ = input_file; }
     bool WritesBytes() const override { return true; }
     std::uint64_t ReplacedCharacters() const override;
+    std::vector<WrittenFile> Files() const override { return written_files_; }
 
 protected:
     // Reads the format's own settings. No file is open yet.
@@ -86,6 +87,7 @@ private:
 
     const FileFormat format_;
     MadeFiles files_;
+    std::vector<WrittenFile> written_files_;
     std::unique_ptr<OutputSink> sink_;
     String input_file_;  // what the step reads; empty for nothing
     TextForm form_;

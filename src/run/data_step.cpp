@@ -59,6 +59,7 @@ void DataStep::Report(String& error) {
     if (configuration_.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration_, at_work_));
     }
+    failure_ = error.empty() ? loss : error;
     ReportError(error, logger_, {});
     ReportError(loss, logger_, {});
 }
@@ -209,7 +210,10 @@ bool DataStep::EndReading(String& error) {
 
 bool DataStep::MoveRow(String& error) {
     if (!TransformRow(error)) return false;
-    if (rows_.SkipRow) return true;
+    if (rows_.SkipRow) {
+        ++left_out_;
+        return true;
+    }
     error.clear();
     if (target_ && !target_->Write(error, rows_)) {
         at_work_ = {Section::Target, 0, rows_read_, source_->Line()};
@@ -280,6 +284,18 @@ bool DataStep::CloseAll(String& error) {
 }
 
 // ---- Telling ----
+
+void DataStep::Describe(StepReport& report) const {
+    report.error = failure_;
+    const std::uint64_t refused = target_ ? target_->Rejected() : 0;
+    report.rows_written = items_ - std::min(items_, refused);
+    report.rows_skipped = left_out_ + (source_ ? source_->Skipped() : 0);
+    report.rows_rejected = refused + (source_ ? source_->Rejected() : 0);
+    report.rows_read = report.rows_written + report.rows_skipped + report.rows_rejected;
+    if (!target_) return;
+    report.bytes_written = target_->WritesBytes() ? target_->WrittenSize() : 0;
+    report.files = target_->Files();
+}
 
 void DataStep::ShowProgress() {
     if (dot_interval_ != 0 && !options_.silent && items_ % dot_interval_ == 0) console_.Show(u".");

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "base/notices.h"
 #include "base/strings.h"
 #include "check/job_check.h"
 #include "check/secret_mask.h"
@@ -11,6 +13,7 @@
 #include "platform/clock.h"
 #include "run/logger_console.h"
 #include "run/logger_masked.h"
+#include "run/run_report.h"
 
 // Runs a job: banner, job file, then its steps one after another.
 class Manager {
@@ -26,8 +29,12 @@ public:
     // "Failed steps: %s." where the run went on behind failed steps
     bool Run(String& error, Configuration& configuration);
 
-    // True when Run failed because of the command line itself.
-    bool RefusedCommandLine() const { return refused_command_line_; }
+    // The exit statuses of the program.
+    enum ExitStatus : int { kSucceeded = 0, kRunFailed = 2, kCommandLineRefused = 4 };
+    // That of the run, once it has ended.
+    ExitStatus StatusOf(bool succeeded) const {
+        return succeeded ? kSucceeded : refused_command_line_ ? kCommandLineRefused : kRunFailed;
+    }
 
     // Makes the logger of a step: a file when a name is in force, else the console. A "-Log" name
     // wins over the step's.
@@ -38,6 +45,9 @@ public:
     static bool ReportError(String& error, Quillon::Logger& logger, StringView message);
 
 private:
+    bool RunJob(String& error, Configuration& configuration);
+    bool WriteReport(const Configuration& configuration, bool succeeded, const String& error);
+    void TakeNotice(StringView text, NoticeStream stream);
     bool LoadJob(String& error, Configuration& configuration, const String& path);
     bool ExamineCommandLine(String& error, Configuration& configuration);
     bool TellFindings(String& error, const Configuration& configuration,
@@ -45,6 +55,7 @@ private:
     bool Check(String& error, Configuration& configuration);
     bool RunSteps(String& error, Configuration& configuration);
     bool RunStep(String& error, Configuration& configuration, std::size_t index);
+    bool RunReportedStep(String& error, Configuration& configuration, std::size_t index);
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
     void ChooseStream(Configuration& configuration);
@@ -63,5 +74,7 @@ private:
     Quillon::LoggerMasked console_logger_{console_, mask_};
     std::unique_ptr<Quillon::Logger> step_log_;  // what a step's messages are written through
     std::unique_ptr<Quillon::LoggerMasked> active_logger_;  // the same, secrets hidden
-    std::vector<std::size_t> failed_steps_;                 // positions from 0
+    RunReport report_;
+    std::optional<std::size_t> running_;     // the step that runs, from 0
+    std::vector<std::size_t> failed_steps_;  // positions from 0
 };
