@@ -47,6 +47,11 @@ public:
     // False for a source that can be read only once, such as standard input.
     virtual bool CanReopen() const { return true; }
 
+    // Between Open and the first Fetch: takes all that there is to read to where it can be read
+    // again, so that CanReopen becomes true. Open must then be called anew.
+    // Fails with "This source can be read only once.", or with the reason.
+    virtual bool KeepForReopening(String& error);
+
     // Describes the columns as Open does, without reading rows or changing anything.
     virtual bool Describe(String& error, const SectionSettings& settings, RowSet& rows);
 
