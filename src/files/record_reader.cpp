@@ -30,7 +30,7 @@ public:
             if (!reader_.ReadLine(text_)) return false;
         } while (content == Content::Data && comment_ && text_.starts_with(*comment_));
         // Names keep the quotes around them.
-        const StringView stripped = content == Content::Data ? StringView(quote_) : StringView{};
+        const StringView stripped = content == Content::Data ? StringView{quote_} : StringView{};
         SplitLine(text_, delimiter_, quote_, [&](StringView field) {
             const StringView bare = StripOuterQuotes(field, stripped);
             fields_.push_back({bare, bare.size() != field.size()});
