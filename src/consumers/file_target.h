@@ -37,7 +37,10 @@ public:
     bool Open(String& error, const SectionSettings& settings) override;
     bool NextResultSet(String& error, const SectionSettings& settings) override;
     bool Close(String& error) override;
-    void KeepClearOf(const String& input_file) override { input_file_ = input_file; }
+    void KeepClearOf(const String& input_file, std::uint64_t read_bytes) override {
+        input_file_ = input_file;
+        input_read_bytes_ = read_bytes;
+    }
     bool WritesBytes() const override { return true; }
     std::uint64_t ReplacedCharacters() const override;
 
@@ -75,7 +78,8 @@ private:
 
     const FileFormat format_;
     std::unique_ptr<OutputSink> sink_;
-    String input_file_;  // what the step reads; empty for nothing
+    String input_file_;                   // what the step reads; empty for nothing
+    std::uint64_t input_read_bytes_ = 0;  // from its start
     TextForm form_;
     bool marks_console_ = false;  // standard output begins with a byte-order mark
     std::uint64_t replaced_ = 0;  // characters of files that are closed

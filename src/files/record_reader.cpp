@@ -42,6 +42,8 @@ public:
     StringView Raw() const override { return text_; }
     std::uint64_t Replaced() const override { return 0; }
     bool CanReopen() const override { return reader_.CanReopen(); }
+    // A file is read by the buffer, and what is shorter as soon as it is opened.
+    std::uint64_t ReadBytes() const override { return LineReader::kBufferBytes; }
     std::optional<double> Share() const override { return reader_.Share(); }
 
 private:

@@ -70,6 +70,8 @@ public:
 
     // The file that is being read; empty for what is none.
     virtual String InputFile() const { return {}; }
+    // How many bytes of that file have been read, from its start.
+    virtual std::uint64_t ReadBytes() const { return 0; }
     // The line of that file, from 1, where the latest row began; 0 without one.
     virtual std::uint64_t Line() const { return 0; }
     // How much has been read, from 0 to 1, where the size of all is known.

@@ -35,6 +35,7 @@ public:
     std::uint64_t Skipped() const override { return skipped_; }
     std::uint64_t Rejected() const override { return reject_file_.Count(); }
     std::uint64_t ReplacedCharacters() const override;
+    std::uint64_t ReadBytes() const override { return reader_ ? reader_->ReadBytes() : 0; }
     std::uint64_t Line() const override { return reader_ ? reader_->Line() : 0; }
     std::optional<double> ReadShare() const override;
 

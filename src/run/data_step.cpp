@@ -113,7 +113,7 @@ bool DataStep::CreateTransformers(String& error) {
 bool DataStep::OpenTarget(String& error) {
     if (!target_) return true;
     at_work_ = {Section::Target};
-    if (source_) target_->KeepClearOf(source_->InputFile());
+    if (source_) target_->KeepClearOf(source_->InputFile(), source_->ReadBytes());
     if (!target_->Open(error, target_settings_)) {
         target_.reset();
         return GoOnWithout(error) && TransformColumns(error);
