@@ -105,6 +105,8 @@ public:
     }
 
     constexpr operator KeySpan() const { return specs_; }
+    constexpr const KeySpec* begin() const { return specs_; }
+    constexpr const KeySpec* end() const { return specs_ + N; }
 
 private:
     KeySpec specs_[N];

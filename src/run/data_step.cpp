@@ -7,6 +7,7 @@
 #include "core/logger.h"
 #include "files/format.h"
 #include "platform/console.h"
+#include "platform/file_system.h"
 #include "run/logger_console.h"
 #include "run/report_error.h"
 
@@ -49,13 +50,18 @@ void DataStep::ReadSettings() {
 
 // ---- Failures ----
 
-// Writes a failure, with the place where it happened where the job wants that.
+// Writes a failure, with the place where it happened where the job wants that. What was written
+// before it arrives first; where it does not, that is told as well.
 void DataStep::Report(String& error) {
+    String loss;
+    if (target_) target_->WriteOut(loss);
     if (progress_line_) progress_line_->Clear();
     if (configuration_.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration_, at_work_));
     }
+    failure_ = error.empty() ? loss : error;
     ReportError(error, logger_, {});
+    ReportError(loss, logger_, {});
 }
 
 bool DataStep::Fail(String& error) {
@@ -213,6 +219,10 @@ void DataStep::TakeWidths() {
 
 bool DataStep::MoveRows(String& error) {
     const ScopedState state(u"Main loop");
+    const platform::PauseListener pauses([this] {
+        String told_by_next_write;
+        if (target_) target_->WriteOut(told_by_next_write);
+    });
     do {
         while (FetchRow(error)) {
             if (!MoveRow(error)) return Fail(error);
@@ -251,7 +261,10 @@ bool DataStep::EndReading(String& error) {
 
 bool DataStep::MoveRow(String& error) {
     if (!TransformRow(error)) return false;
-    if (rows_.SkipRow) return true;
+    if (rows_.SkipRow) {
+        ++left_out_;
+        return true;
+    }
     error.clear();
     if (target_ && !target_->Write(error, rows_)) {
         at_work_ = {Section::Target, 0, rows_read_, source_->Line()};
@@ -323,6 +336,18 @@ bool DataStep::CloseAll(String& error) {
 }
 
 // ---- Telling ----
+
+void DataStep::Describe(StepReport& report) const {
+    report.error = failure_;
+    const std::uint64_t refused = target_ ? target_->Rejected() : 0;
+    report.rows_written = items_ - std::min(items_, refused);
+    report.rows_skipped = left_out_ + (source_ ? source_->Skipped() : 0);
+    report.rows_rejected = refused + (source_ ? source_->Rejected() : 0);
+    report.rows_read = report.rows_written + report.rows_skipped + report.rows_rejected;
+    if (!target_) return;
+    report.bytes_written = target_->WritesBytes() ? target_->WrittenSize() : 0;
+    report.files = target_->Files();
+}
 
 void DataStep::ShowProgress() {
     if (dot_interval_ != 0 && !options_.silent && items_ % dot_interval_ == 0) console_.Show(u".");
