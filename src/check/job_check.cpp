@@ -416,7 +416,8 @@ private:
         for (const KeySpan span : owner->keys) {
             for (const KeySpec& key : span) {
                 const Element* element = configuration_.Find(section, key);
-                const bool made = key.names == Names::File || key.names == Names::MadeFolder;
+                const bool made = key.names == Names::File || key.names == Names::FileAside ||
+                                  key.names == Names::MadeFolder;
                 if (made && element != nullptr) {
                     made_.Add(ValueOf(key, *element));
                 }

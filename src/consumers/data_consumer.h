@@ -58,8 +58,9 @@ public:
     // Compares the columns of a source with what the target can take, and writes nothing.
     virtual bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows);
 
-    // Names the file that the step reads, before Open. Empty: it reads none.
-    virtual void KeepClearOf(const String& /*input_file*/) {}
+    // Names the file that the step reads, and how much of it has been read already, before Open.
+    // Empty: it reads none.
+    virtual void KeepClearOf(const String& /*input_file*/, std::uint64_t /*read_bytes*/) {}
     // Whether the widths of all values must be known before the first row.
     virtual bool MeasuresWidths() const { return false; }
     // Measure what Prepare and Write would write, into the columns' MaxWidth: the names, from which

@@ -160,7 +160,7 @@ public:
 
 private:
     StringView Shown(const DataValue& value) const {
-        return value.IsNull ? StringView(null_text_) : StringView(value.Text);
+        return value.IsNull ? StringView{null_text_} : StringView{value.Text};
     }
     void Append(StringView text, const ColumnDefinition& column, String& line) const {
         AppendPadded(text, WidthOf(text, whole_characters_), column.MaxWidth, line);
@@ -190,7 +190,7 @@ public:
         for (std::size_t i = 0; i < rows.Row.size(); ++i) {
             const DataValue& value = rows.Row[i];
             if (!value.Included) continue;
-            const StringView shown = value.IsNull ? StringView(null_text_) : StringView(value.Text);
+            const StringView shown = value.IsNull ? StringView{null_text_} : StringView{value.Text};
             if (!Append(error, shown, rows.Columns[i], u"value", next, line)) return false;
         }
         return CheckCount(error, next);

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "files/format.h"
-#include "files/line_reader.h"
 #include "files/text.h"
 #include "platform/file_system.h"
 
@@ -169,7 +168,7 @@ bool FileTarget::RefuseInput(String& error, const String& name) const {
     if (!input || platform::IdentityOf(name) != input) return false;
     ErrorRecord ignored;
     const auto file = platform::InputFile::Open(ignored, name);
-    const bool is_read = file && file->Size().value_or(0) <= LineReader::kBufferBytes;
+    const bool is_read = file && file->Size().value_or(0) <= input_read_bytes_;
     if (!append_ && is_read) return false;
     error = Format(u"The target '%s' is the file that the source reads.", name);
     return true;

@@ -45,7 +45,10 @@ public:
     bool Close(String& error) override;
     bool WriteOut(String& error) override;
     bool Commit(String& error) override { return files_.Commit(error); }
-    void KeepClearOf(const String& input_file) override { input_file_ = input_file; }
+    void KeepClearOf(const String& input_file, std::uint64_t read_bytes) override {
+        input_file_ = input_file;
+        input_read_bytes_ = read_bytes;
+    }
     bool WritesBytes() const override { return true; }
     std::uint64_t ReplacedCharacters() const override;
     std::vector<WrittenFile> Files() const override { return written_files_; }
@@ -89,7 +92,8 @@ private:
     MadeFiles files_;
     std::vector<WrittenFile> written_files_;
     std::unique_ptr<OutputSink> sink_;
-    String input_file_;  // what the step reads; empty for nothing
+    String input_file_;                   // what the step reads; empty for nothing
+    std::uint64_t input_read_bytes_ = 0;  // from its start
     TextForm form_;
     bool marks_console_ = false;  // standard output begins with a byte-order mark
     std::uint64_t replaced_ = 0;  // characters of files that are closed

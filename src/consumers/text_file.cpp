@@ -92,8 +92,8 @@ bool TextFile::ReadNull(String& error, const SectionSettings& settings,
         error = u"NullText and NullIsEmptyString say the same: only one of them can be set.";
         return false;
     }
-    const StringView by_flag = settings.Flag(kNullIsEmptyString) ? u"" : u"NULL";
-    layout.null_text = named ? by_flag : StringView(null_text.value_or(String(by_flag)));
+    const String by_flag = settings.Flag(kNullIsEmptyString) ? u"" : u"NULL";
+    layout.null_text = named ? by_flag : null_text.value_or(by_flag);
     return true;
 }
 

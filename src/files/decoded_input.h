@@ -41,6 +41,8 @@ public:
     std::uint64_t Replaced() const { return decoder_->Replaced(); }
     // True when the stream gives the same bytes if it is opened once more.
     bool CanReopen() const { return stream_->CanReopen(); }
+    // How many bytes of the file have been read, from its start.
+    std::uint64_t ReadBytes() const { return offset_ + filled_; }
     // How much of the file has been read, where its length is known.
     std::optional<double> Share() const;
 

@@ -14,6 +14,7 @@ public:
     bool IsFaulty() const final { return fault_ != FaultKind::None; }
     std::uint64_t Replaced() const final { return input_.Replaced(); }
     bool CanReopen() const final { return input_.CanReopen(); }
+    std::uint64_t ReadBytes() const final { return input_.ReadBytes(); }
     std::optional<double> Share() const final { return input_.Share(); }
 
 protected:

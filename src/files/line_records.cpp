@@ -35,7 +35,7 @@ PlainRecords::PlainRecords(DecodedInput input, String encoding_name, const Recor
       quote_(layout.quote) {}
 
 void PlainRecords::Begin(Content content) {
-    stripped_ = content == Content::Data ? StringView(quote_) : StringView{};
+    stripped_ = content == Content::Data ? StringView{quote_} : StringView{};
     scanned_ = 0;
 }
 

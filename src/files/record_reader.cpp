@@ -30,7 +30,7 @@ public:
             if (!reader_.ReadLine(text_)) return false;
         } while (content == Content::Data && comment_ && text_.starts_with(*comment_));
         // Names keep the quotes around them.
-        const StringView stripped = content == Content::Data ? StringView(quote_) : StringView{};
+        const StringView stripped = content == Content::Data ? StringView{quote_} : StringView{};
         SplitLine(text_, delimiter_, quote_, [&](StringView field) {
             const StringView bare = StripOuterQuotes(field, stripped);
             fields_.push_back({bare, bare.size() != field.size()});
@@ -42,6 +42,8 @@ public:
     StringView Raw() const override { return text_; }
     std::uint64_t Replaced() const override { return 0; }
     bool CanReopen() const override { return reader_.CanReopen(); }
+    // A file is read by the buffer, and what is shorter as soon as it is opened.
+    std::uint64_t ReadBytes() const override { return LineReader::kBufferBytes; }
     std::optional<double> Share() const override { return reader_.Share(); }
 
 private:

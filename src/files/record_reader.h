@@ -77,6 +77,8 @@ public:
     virtual std::uint64_t Replaced() const = 0;
     // True when what was opened gives the same records if it is opened once more.
     virtual bool CanReopen() const = 0;
+    // How many bytes of the file have been read, from its start.
+    virtual std::uint64_t ReadBytes() const = 0;
     // How much of the file has been read, where its length is known.
     virtual std::optional<double> Share() const = 0;
 

@@ -136,9 +136,12 @@ bool TextFile::Open(String& error, const SectionSettings& settings, RowSet& rows
     if (!FindInput(error, settings) || !ReadLayout(error, settings)) return false;
     if (!ReadBadRows(error, settings) || !OpenReader(error)) return false;
     if (header_ && !ReadNames(error, settings)) return false;
-    if (!rows.Columns.empty()) return true;  // opened again: the columns stay
-    if (!header_ && !ReadFirstRecord(error)) return error.empty();
-    DescribeColumns(rows);
+    // Opened again the columns stay.
+    if (rows.Columns.empty()) {
+        if (!header_ && !ReadFirstRecord(error)) return error.empty();
+        DescribeColumns(rows);
+    }
+    if (recorded_ != nullptr) recorded_->EndStart();
     return true;
 }
 
@@ -192,6 +195,7 @@ bool TextFile::ReadBadRows(String& error, const SectionSettings& settings) {
         short_rows_ = settings.Flag(kSkipIncompleteLines) ? BadRow::Skip : BadRow::Deliver;
     }
     if (as_lines_say) faulty_rows_ = short_rows_ == BadRow::Skip ? BadRow::Skip : BadRow::Stop;
+    may_spool_ = settings.Follows(Rule::WidthsAsWritten);
     names_lines_ = !settings.Follows(Rule::PlacedMessages);
 
     const String name = settings.Text(kRejectFile);
@@ -212,12 +216,34 @@ bool TextFile::ReadBadRows(String& error, const SectionSettings& settings) {
 
 bool TextFile::OpenReader(String& error) {
     ErrorRecord open_error;
-    reader_ =
-        input_file_.empty()
-            ? MakeRecordReader(open_error, platform::InputFile::StandardInput(), encoding_, layout_)
-            : OpenRecords(open_error, input_file_, encoding_, layout_);
+    std::unique_ptr<platform::InputFile> stream = OpenStream();
+    reader_ = stream ? MakeRecordReader(open_error, std::move(stream), encoding_, layout_)
+                     : OpenRecords(open_error, input_file_, encoding_, layout_);
     if (!reader_) error = open_error.text;
     return reader_ != nullptr;
+}
+
+// What is read in place of a file of that name; null for nothing.
+std::unique_ptr<platform::InputFile> TextFile::OpenStream() {
+    recorded_ = nullptr;
+    if (spool_) return platform::SpoolFile::Read(spool_);
+    if (!input_file_.empty()) return nullptr;
+    if (!may_spool_) return platform::InputFile::StandardInput();
+    auto recorded = std::make_unique<RecordedInput>(platform::InputFile::StandardInput());
+    recorded_ = recorded.get();
+    return recorded;
+}
+
+// Standard input goes on where it was left, even where it is a file.
+bool TextFile::CanReopen() const {
+    return spool_ || (!input_file_.empty() && reader_ && reader_->CanReopen());
+}
+
+bool TextFile::KeepForReopening(String& error) {
+    if (CanReopen()) return true;
+    if (recorded_ == nullptr) return DataProvider::KeepForReopening(error);
+    spool_ = recorded_->Spool(error);
+    return spool_ != nullptr;
 }
 
 // Lines without a character before the names are left out, except in a plain file.
@@ -376,6 +402,7 @@ std::optional<double> TextFile::ReadShare() const {
 
 bool TextFile::Close() {
     replaced_ = ReplacedCharacters();
+    recorded_ = nullptr;
     reader_.reset();
     return true;
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "files/record_reader.h"
+#include "files/recorded_input.h"
 #include "files/reject_file.h"
 #include "providers/data_provider.h"
 
@@ -28,11 +29,13 @@ public:
     // what RejectFile says.
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool Close() override;
-    bool CanReopen() const override { return reader_ && reader_->CanReopen(); }
+    bool CanReopen() const override;
+    bool KeepForReopening(String& error) override;
     String InputFile() const override { return input_file_; }
     std::uint64_t Skipped() const override { return skipped_; }
     std::uint64_t Rejected() const override { return reject_file_.Count(); }
     std::uint64_t ReplacedCharacters() const override;
+    std::uint64_t ReadBytes() const override { return reader_ ? reader_->ReadBytes() : 0; }
     std::uint64_t Line() const override { return reader_ ? reader_->Line() : 0; }
     std::optional<double> ReadShare() const override;
 
@@ -45,6 +48,7 @@ private:
     bool ReadLayout(String& error, const SectionSettings& settings);
     bool ReadBadRows(String& error, const SectionSettings& settings);
     bool OpenReader(String& error);
+    std::unique_ptr<platform::InputFile> OpenStream();
     bool ReadNames(String& error, const SectionSettings& settings);
     bool ReadFirstRecord(String& error);
     void DescribeColumns(RowSet& rows) const;
@@ -67,6 +71,9 @@ private:
     std::optional<String> null_text_;  // without quotes it stands for NULL
     char16_t quote_ = 0;
     std::unique_ptr<RecordReader> reader_;
+    bool may_spool_ = false;                      // whether it may have to be read twice
+    RecordedInput* recorded_ = nullptr;           // what reader_ reads, where that can be spooled
+    std::shared_ptr<platform::SpoolFile> spool_;  // what is read from now on
 
     bool row_follows_columns_ = false;  // otherwise it has as many values as the first record
     bool rest_is_null_ = false;         // of a short row; otherwise it keeps the values before

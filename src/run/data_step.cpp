@@ -119,7 +119,7 @@ bool DataStep::CreateTransformers(String& error) {
 bool DataStep::OpenTarget(String& error) {
     if (!target_) return true;
     at_work_ = {Section::Target};
-    if (source_) target_->KeepClearOf(source_->InputFile());
+    if (source_) target_->KeepClearOf(source_->InputFile(), source_->ReadBytes());
     if (!target_->Open(error, target_settings_)) {
         target_.reset();
         return GoOnWithout(error) && TransformColumns(error);
@@ -139,12 +139,18 @@ bool DataStep::TransformColumns(String& error) {
 
 // ---- Rows ----
 
-// Reads the whole source once, so that fixed-width columns can be lined up, and opens it again. A
-// source that describes its columns anew keeps the widths that were measured, and what the
-// transformers made of the columns.
+// Columns of fixed width line up when the whole source has been read once before.
 bool DataStep::MeasureWidths(String& error) {
-    const bool wanted = target_ && target_->MeasuresWidths();
-    if (!wanted || !source_ || !source_->CanReopen()) return true;
+    if (!source_ || !target_ || !target_->MeasuresWidths()) return true;
+    return configuration_.Follows(Rule::WidthsAsWritten) ? MeasureWritten(error)
+                                                         : MeasureRead(error);
+}
+
+// Measures what the source itself measures, in its first result set, and opens it again. A source
+// that describes its columns anew keeps the widths that were measured, and what the transformers
+// made of the columns.
+bool DataStep::MeasureRead(String& error) {
+    if (!source_->CanReopen()) return true;
     String failure;
     while (source_->Fetch(failure, rows_, true)) {
     }
@@ -164,6 +170,51 @@ bool DataStep::MeasureWidths(String& error) {
     std::move(measured.begin(), measured.begin() + static_cast<std::ptrdiff_t>(count),
               rows_.Columns.begin());
     return true;
+}
+
+// Measures what the target would write, in every result set, and opens the source again.
+bool DataStep::MeasureWritten(String& error) {
+    at_work_ = {Section::Source};
+    if (!source_->CanReopen() && !(source_->KeepForReopening(error) && ReopenSource(error))) {
+        return Fail(error);
+    }
+    const std::vector<ColumnDefinition> columns = rows_.Columns;
+    do {
+        if (!MeasureResultSet(error)) return Fail(error);
+        std::vector<std::uint64_t>& widths = set_widths_.emplace_back();
+        for (const ColumnDefinition& column : rows_.Columns) widths.push_back(column.MaxWidth);
+    } while (source_->HasMoreData(error, rows_));
+    EndReading(error);
+    if (failed_ || !ReopenSource(error)) return Fail(error);
+    rows_read_ = 0;
+    rows_.Columns = columns;  // as the transformers have made them
+    TakeWidths();
+    return true;
+}
+
+bool DataStep::MeasureResultSet(String& error) {
+    target_->MeasureNames(rows_);
+    while (FetchRow(error)) {
+        if (!TransformRow(error)) return false;
+        if (!rows_.SkipRow) target_->MeasureRow(rows_);
+    }
+    return !failed_;
+}
+
+bool DataStep::ReopenSource(String& error) {
+    at_work_ = {Section::Source};
+    source_->Close();
+    rows_.ClearRow();
+    error.clear();
+    return source_->Open(error, source_settings_, rows_);
+}
+
+// Gives the columns of the result set that begins the widths that were measured for it.
+void DataStep::TakeWidths() {
+    if (next_set_ >= set_widths_.size()) return;
+    const std::vector<std::uint64_t>& widths = set_widths_[next_set_++];
+    const std::size_t count = std::min(widths.size(), rows_.Columns.size());
+    for (std::size_t i = 0; i < count; ++i) rows_.Columns[i].MaxWidth = widths[i];
 }
 
 bool DataStep::MoveRows(String& error) {
@@ -245,6 +296,7 @@ bool DataStep::NextResultSet(String& error) {
     at_work_ = {Section::Source};
     if (source_ && !more) EndReading(error);
     if (failed_) return false;
+    if (more) TakeWidths();
     if (more && target_) {
         ReportError(reading, logger_, {});
         return BeginNextResultSet(error);

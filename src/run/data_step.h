@@ -58,6 +58,11 @@ private:
     bool CloseAll(String& error);
 
     bool MeasureWidths(String& error);
+    bool MeasureRead(String& error);
+    bool MeasureWritten(String& error);
+    bool MeasureResultSet(String& error);
+    bool ReopenSource(String& error);
+    void TakeWidths();
     bool MoveRows(String& error);
     bool FetchRow(String& error);
     bool MoveRow(String& error);
@@ -90,8 +95,10 @@ private:
     std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
     std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
     std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
-    String failure_;            // the last one that was reported
-    StepRole at_work_;          // for the message of a failure
+    String failure_;                                      // the last one that was reported
+    StepRole at_work_;                                    // for the message of a failure
+    std::vector<std::vector<std::uint64_t>> set_widths_;  // measured, of each result set
+    std::size_t next_set_ = 0;                            // in set_widths_
     String measuring_failure_;  // what ended the reading that measured widths, if it failed
     bool failed_ = false;       // reading or going on has failed the step
     std::uint64_t rows_read_ = 0;

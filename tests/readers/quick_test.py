@@ -125,6 +125,17 @@ class Readers(unittest.TestCase):
         count = len(rows[0])
         self.assertEqual(rows, [NAMES[:count], *(row[:count] for row in texts("NULL", ROWS))])
 
+    def test_comma_separated_values(self):
+        path = TESTS / "jobs" / "csv-round-trip" / "expected" / "again.csv"
+        with path.open(encoding="utf-8", newline="") as opened:
+            names, *rows = csv.reader(opened)
+        imported = run("sqlite3", ":memory:", f".import --csv '{path}' t", ".mode json",
+                       "select * from t")
+        self.assertEqual([list(row.values()) for row in json.loads(imported)], rows)
+        self.assertEqual(list(json.loads(imported)[0]), names)
+        self.assertEqual(rows[2:4], [["3", " lead", "trail ", "\tt"],
+                                     ["4", "CR\rLF\nCRLF\r\n", "é€", "\U0001F600\U0010FFFF"]])
+
 
 if __name__ == "__main__":
     unittest.main()
