@@ -30,6 +30,9 @@ KeySpan FileTarget::FileKeys() { return kKeys; }
 bool FileTarget::ReadSettings(String& /*error*/, const SectionSettings& /*settings*/) {
     return true;
 }
+FileStart FileTarget::StartOf(const SectionSettings& settings) const {
+    return {.encoding = ReadEncoding(settings, format_.encoding)};
+}
 bool FileTarget::BeginFile(String& /*error*/) { return true; }
 bool FileTarget::ContinueFile(String& /*error*/) { return false; }
 bool FileTarget::LeaveFile(String& /*error*/) { return true; }
@@ -64,7 +67,8 @@ bool FileTarget::Close(String& error) {
 
 bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     const String name = settings.Text(kName);
-    encoding_ = ReadEncoding(settings, format_.encoding);
+    const FileStart start = StartOf(settings);
+    encoding_ = start.encoding;
     sink_.reset();  // it may be the same file
     goes_on_ = append_ && platform::PathExists(name);
     if (IsConsole(name)) {
@@ -72,8 +76,13 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
         return BeginFile(error);
     }
     if (RefuseInput(error, name)) return false;
-    sink_ = OpenFileSink(error, name, encoding_, append_, loss_told_);
-    return sink_ != nullptr && BeginFile(error);
+    sink_ = OpenFileSink(error, name, encoding_, start.marked, append_, loss_told_);
+    if (!sink_) return false;
+    if (!CanGoOn() && !sink_->BeganEmpty()) {
+        error = Format(u"The file '%s' holds something, and a document cannot be appended to.", name);
+        return false;
+    }
+    return BeginFile(error);
 }
 
 bool FileTarget::IsConsole(StringView name) const {

@@ -18,6 +18,12 @@ struct FileFormat {
     bool takes_console = false;  // whether "STDOUT" and "CONSOLE", letter for letter, are no files
 };
 
+// How a new file is encoded, and whether it begins with the byte-order mark of that encoding.
+struct FileStart {
+    Encoding encoding = Encoding::Ansi;
+    bool marked = true;
+};
+
 // What the targets share that write a file: its name with the macros in it, one file for each
 // result set, overwriting or appending, the encoding, standard output, and the count of the bytes
 // written. A format says what stands at the start and the end of a file and how a row looks.
@@ -43,7 +49,12 @@ public:
 protected:
     // Reads the format's own settings. No file is open yet.
     virtual bool ReadSettings(String& error, const SectionSettings& settings);
-    // A file has been opened; see FileExisted.
+    // How a new file begins.
+    virtual FileStart StartOf(const SectionSettings& settings) const;
+    // Whether a file that holds something can go on; otherwise opening it for that fails with "The
+    // file '%s' holds something, and a document cannot be appended to."
+    virtual bool CanGoOn() const { return true; }
+    // A file has been opened; see GoesOn.
     virtual bool BeginFile(String& error);
     // Writes what ends a file.
     virtual bool EndFile(String& error) = 0;

@@ -13,9 +13,9 @@ class FileSink final : public OutputSink {
 public:
     explicit FileSink(LossTold told) : told_(told) {}
 
-    bool Open(String& error, const String& name, Encoding encoding, bool append) {
+    bool Open(String& error, const String& name, Encoding encoding, bool marked, bool append) {
         ErrorRecord reason;
-        const bool opened = file_.Open(reason, name, encoding, append);
+        const bool opened = file_.Open(reason, name, encoding, append, marked);
         if (!opened) error = reason.text;
         return opened;
     }
@@ -27,6 +27,8 @@ public:
         error = reason.text;
         return false;
     }
+
+    bool BeganEmpty() const override { return file_.BeganEmpty(); }
 
     bool Close(String& error) override {
         if (told_ == LossTold::ByNotice) return file_.Close();
@@ -75,9 +77,9 @@ private:
 }  // namespace
 
 std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, Encoding encoding,
-                                         bool append, LossTold told) {
+                                         bool marked, bool append, LossTold told) {
     auto sink = std::make_unique<FileSink>(told);
-    if (!sink->Open(error, name, encoding, append)) return nullptr;
+    if (!sink->Open(error, name, encoding, marked, append)) return nullptr;
     return sink;
 }
 

@@ -16,6 +16,8 @@ public:
     // Writes a piece of text whole or not at all. bytes: how many reached the file; standard output
     // counts none. `error` may stay empty on failure: a notice has told of it then.
     virtual bool Write(String& error, StringView text, std::size_t& bytes) = 0;
+    // Whether it held nothing when it was opened.
+    virtual bool BeganEmpty() const { return true; }
     // Ends the output; false when its last data did not arrive.
     virtual bool Close(String& error) = 0;
 };
@@ -28,8 +30,9 @@ enum class LossTold {
 
 // A file, opened as TextWriter::Open does it. On failure returns null and `error` holds the
 // message.
+// marked: a new file begins with the byte-order mark of the encoding.
 std::unique_ptr<OutputSink> OpenFileSink(String& error, const String& name, Encoding encoding,
-                                         bool append, LossTold told);
+                                         bool marked, bool append, LossTold told);
 
 // Standard output. A terminal takes characters, anything else bytes of the encoding without a
 // byte-order mark.

@@ -6,8 +6,9 @@
 #include "base/notices.h"
 #include "files/byte_order_mark.h"
 
-bool dFile::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
-    if (!memory_mode_) return writer_.Open(error, name, encoding, append);
+bool dFile::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
+                 bool marked) {
+    if (!memory_mode_) return writer_.Open(error, name, encoding, append, marked);
     memory_encoding_ = encoding;
     memory_text_.clear();
     memory_opened_ = true;

@@ -27,7 +27,8 @@ public:
     void SetConsoleInput(bool on) { console_input_ = on; }
 
     // Opens a file for writing, see TextWriter::Open.
-    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append);
+    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
+              bool marked = true);
     // TextWriter::Write, with one difference: when not all bytes reach the file there is no text,
     // and a notice on standard error tells the reason.
     bool Write(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
@@ -40,6 +41,8 @@ public:
     bool Finish(ErrorRecord& error);
 
     const String& MemoryText() const { return memory_text_; }
+    // Whether the file that is written held nothing when it was opened.
+    bool BeganEmpty() const { return writer_.BeganEmpty(); }
     // The encoding of the file that is written.
     Encoding CurrentEncoding() const { return writer_.CurrentEncoding(); }
 

@@ -7,7 +7,8 @@
 #include "files/byte_order_mark.h"
 #include "files/format.h"
 
-bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
+bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
+                      bool marked) {
     using Mode = platform::OutputFile::Mode;
     name_ = name;
     encoding_ = encoding;
@@ -25,7 +26,8 @@ bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding,
         output_.reset();
         return false;
     }
-    if (position == 0) WriteByteOrderMark();
+    began_empty_ = position == 0;
+    if (began_empty_ && marked) WriteByteOrderMark();
     return true;
 }
 

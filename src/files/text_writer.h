@@ -20,8 +20,12 @@ public:
     //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code. A pipe,
     //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
     // Fails with "Could not open file for writing: " and the system's text; the code is kept.
-    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append);
+    // marked: whether a new file begins with the mark.
+    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
+              bool marked = true);
     bool IsOpen() const { return output_ != nullptr; }
+    // Whether the file held nothing when it was opened.
+    bool BeganEmpty() const { return began_empty_; }
     // What the text is written in: after an append, what the file's own mark declares.
     Encoding CurrentEncoding() const { return encoding_; }
 
@@ -50,6 +54,7 @@ private:
     String name_;
     Encoding encoding_ = Encoding::Ansi;
     bool failed_ = false;
+    bool began_empty_ = true;
     std::unique_ptr<platform::OutputFile> output_;
     PlainTextEncoder encoder_;
 };

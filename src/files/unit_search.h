@@ -25,6 +25,10 @@ public:
         const __m128i difference = _mm_subs_epu16(Repeat(unit), block.bits_);
         return UnitBlock(_mm_cmpeq_epi16(difference, _mm_setzero_si128()));
     }
+    friend UnitBlock operator<=(UnitBlock block, char16_t unit) {
+        const __m128i difference = _mm_subs_epu16(block.bits_, Repeat(unit));
+        return UnitBlock(_mm_cmpeq_epi16(difference, _mm_setzero_si128()));
+    }
     friend UnitBlock operator|(UnitBlock left, UnitBlock right) {
         return UnitBlock(_mm_or_si128(left.bits_, right.bits_));
     }

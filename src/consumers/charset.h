@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/strings.h"
+#include "files/encoding.h"
+
+namespace DataConsumers {
+
+// How a document calls its encoding, and what it can hold.
+struct Charset {
+    String name;           // as the IANA registry of character sets has it
+    bool unicode = false;  // every character; otherwise ASCII is all that is sure
+};
+
+// code_page: other than 0 that code page, whatever the encoding.
+Charset CharsetOf(Encoding encoding, std::uint16_t code_page = 0);
+
+}  // namespace DataConsumers
