@@ -39,6 +39,7 @@ enum class Names {
     File,      // one that is made or written
     FileRead,  // one that must be there
     Folder,
+    MadeFolder,  // one that is made with its parents
     Table,
     Tables,     // several, one after the other
     Catalogue,  // tables that the rows describe

@@ -177,6 +177,7 @@ bool DataStep::FetchRow(String& error) {
         ++rows_read_;
         return true;
     }
+    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     return EndReading(error);
 }
 
@@ -185,7 +186,6 @@ bool DataStep::FetchRow(String& error) {
 // `error` is told anyway. Always false.
 bool DataStep::EndReading(String& error) {
     if (error.empty() && source_->Loss().empty()) return false;
-    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     const bool lost = !source_->Loss().empty();
     failed_ = lost && (on_read_error_ == OnReadError::Stop || source_->LossFailsStep());
     if (!lost) return false;
@@ -227,6 +227,7 @@ bool DataStep::NextResultSet(String& error) {
     String set_error = std::move(error);
     error.clear();
     const bool more = source_ && source_->HasMoreData(set_error, rows_);
+    at_work_ = {Section::Source};
     if (source_ && !more) EndReading(set_error);
     if (failed_) {
         error = std::move(set_error);

@@ -91,7 +91,9 @@ bool Manager::LoadJob(String& error, Configuration& configuration, const String&
 }
 
 bool Manager::ExamineCommandLine(String& error, Configuration& configuration) {
-    std::vector<Finding> findings = CheckSwitches(configuration);
+    const bool checks = configuration.CommandLine().Find(kCheckSwitch->name) != nullptr;
+    std::vector<Finding> findings =
+        CheckSwitches(configuration, checks ? CheckDepth::Whole : CheckDepth::Refusals);
     std::vector<std::size_t> steps;
     if (!SelectSteps(error, configuration, steps)) findings.push_back({{}, true, error});
     error.clear();

@@ -1,4 +1,4 @@
-#include "config/job_file_reader.h"
+#include "config/configuration.h"
 
 #include <gtest/gtest.h>
 

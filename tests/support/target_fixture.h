@@ -74,7 +74,7 @@ protected:
         }
     }
     void NameTable(int number) {
-        SectionSettings(step_.Job(), Section::Source).Set(u"$TABLE$", Format(u"t%d", number));
+        step_.Job().Macros().NameTable(Format(u"t%d", number));
     }
 
     ScratchFolder folder_;

@@ -1,0 +1,58 @@
+# Completion of quillon's command line for PowerShell; dot-source this file.
+Register-ArgumentCompleter -Native -CommandName quillon -ScriptBlock {
+    param($wordToComplete)
+    $all = @(
+        '-config=',
+        '-silent',
+        '-Q=',
+        '-Log=',
+        '-Edition=',
+        '-help=',
+        '-version',
+        '-check',
+        '-check=connect',
+        '-only=',
+        '-from=',
+        '-Type=',
+        '-DSN=',
+        '-Query=',
+        '-Login=',
+        '-Password=',
+        '-Script=',
+        '-Header=',
+        '-Output=',
+        '-LogName=',
+        '-help=ChangeDataType',
+        '-help=CopyFile',
+        '-help=CopyFolder',
+        '-help=DDLScript',
+        '-help=Database',
+        '-help=DatabaseContent',
+        '-help=DatabaseQuery',
+        '-help=DatabaseSchema',
+        '-help=DatabaseTable',
+        '-help=DeleteFile',
+        '-help=DeleteFolder',
+        '-help=ExcelFile',
+        '-help=HtmlFile',
+        '-help=HttpCall',
+        '-help=JSONFile',
+        '-help=MoveFile',
+        '-help=MoveFolder',
+        '-help=ODBCDataSourcesList',
+        '-help=ODBCDriverList',
+        '-help=OledbProvidersList',
+        '-help=RTFFile',
+        '-help=RemoveColumn',
+        '-help=RenameColumn',
+        '-help=ReplaceString',
+        '-help=SQLScript',
+        '-help=TextFile',
+        '-help=WriteFile',
+        '-help=XMLFile',
+        '-help=keys'
+    )
+    $all | Where-Object { $_ -like "$wordToComplete*" } | ForEach-Object {
+        [System.Management.Automation.CompletionResult]::new($_)
+    }
+}
