@@ -11,9 +11,9 @@ struct CodePageName {
 };
 
 constexpr CodePageName kCodePageNames[] = {
-    {866, u"IBM866"},       {874, u"windows-874"}, {932, u"Shift_JIS"},  {936, u"GBK"},
-    {949, u"EUC-KR"},       {950, u"Big5"},        {20127, u"US-ASCII"}, {20866, u"KOI8-R"},
-    {20932, u"EUC-JP"},     {21866, u"KOI8-U"},    {51932, u"EUC-JP"},   {51949, u"EUC-KR"},
+    {866, u"IBM866"},    {874, u"windows-874"}, {932, u"Shift_JIS"},  {936, u"GBK"},
+    {949, u"EUC-KR"},    {950, u"Big5"},        {20127, u"US-ASCII"}, {20866, u"KOI8-R"},
+    {20932, u"EUC-JP"},  {21866, u"KOI8-U"},    {51932, u"EUC-JP"},   {51949, u"EUC-KR"},
     {54936, u"GB18030"},
 };
 

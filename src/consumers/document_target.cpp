@@ -13,8 +13,9 @@ FileStart DocumentTarget::StartOf(const SectionSettings& settings) const {
 }
 
 FileStart DocumentTarget::StrictStart(const SectionSettings& settings) const {
-    if (settings.IsSet(encoding_key_)) return {FileTarget::StartOf(settings).encoding, false};
-    return {Encoding::Utf8, false};
+    if (!settings.IsSet(encoding_key_)) return {Encoding::Utf8, false};
+    const Encoding encoding = FileTarget::StartOf(settings).encoding;
+    return {encoding, encoding == Encoding::Utf16LittleEndian};
 }
 
 bool DocumentTarget::BeginFile(String& error) {

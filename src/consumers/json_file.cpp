@@ -20,7 +20,9 @@ constexpr KeyTable kKeys({
 });
 constexpr Key kJsonForm = kKeys[u"Form"];
 
-JsonForm FormOf(const SectionSettings& settings) { return settings.Word(kJsonForm, JsonForm::Plain); }
+JsonForm FormOf(const SectionSettings& settings) {
+    return settings.Word(kJsonForm, JsonForm::Plain);
+}
 
 }  // namespace
 

@@ -17,8 +17,8 @@ public:
     void BeginFile(String& out) override;
     bool BeginTable(String& error, const RowSet& rows, String& out) final;
     bool BeginRows(String& error, const RowSet& rows, String& out) final;
-    // Fails with "%s: Broken row structure [Values: %d, Structure: %d for '%s']": the type word, the
-    // numbers of values and columns and the table.
+    // Fails with "%s: Broken row structure [Values: %d, Structure: %d for '%s']": the type word,
+    // the numbers of values and columns and the table.
     bool AppendRow(String& error, const RowSet& rows, String& out) final;
     bool NextTable(String& error, String& out) final;
     bool EndFile(String& error, String& out) final;

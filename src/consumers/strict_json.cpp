@@ -41,9 +41,8 @@ void AppendString(String& out, StringView text) {
 // Drivers write a bit as a digit, as a letter or as a word.
 bool AppendBit(String& out, StringView text) {
     const auto is_one_of = [&](std::initializer_list<StringView> words) {
-        return std::any_of(words.begin(), words.end(), [&](StringView word) {
-            return text::EqualsIgnoringCase(text, word);
-        });
+        return std::any_of(words.begin(), words.end(),
+                           [&](StringView word) { return text::EqualsIgnoringCase(text, word); });
     };
     if (is_one_of({u"1", u"t", u"true"})) {
         out += u"true";
@@ -84,9 +83,10 @@ bool JsonObjects::AppendHead(String& /*error*/, String& /*out*/) {
         if (!used.insert(name).second) {
             name = MakeUnlike(name, all);
             all.insert(name);
-            TellNotice(Format(u"Warning: column %d is written as '%s', because another one is "
-                              u"called '%s'.\n",
-                              column.position + 1, name, column.name));
+            TellNotice(
+                Format(u"Warning: column %d is written as '%s', because another one is "
+                       u"called '%s'.\n",
+                       column.position + 1, name, column.name));
         }
         String& member = members_.emplace_back(members_.empty() ? u"" : u",");
         AppendString(member, name);

@@ -9,8 +9,9 @@ namespace DataConsumers {
 //
 //     {"id":12,"price":0.5,"path":"a/b","sold":true,"note":null}
 //
-// Numbers are bare when their column is one of numbers and their text is a number; bits are true and
-// false. A second column of the same name becomes "name_2", and a warning on standard error says so.
+// Numbers are bare when their column is one of numbers and their text is a number; bits are true
+// and false. A second column of the same name becomes "name_2", and a warning on standard error
+// says so.
 class JsonObjects : public StrictForm {
 protected:
     explicit JsonObjects(const FormRules& rules) : StrictForm(u"JSONFile", rules) {}

@@ -63,13 +63,12 @@ StrictMarkup::StrictMarkup(const Language& language, Unmappable unmappable, bool
 
 bool StrictMarkup::Append(String& error, StringView text, String& out) {
     const auto is_escaped = [last = language_.last_escaped_control, first = first_odd_](auto unit) {
-        return (unit == u'&') | (unit == u'<') | (unit == u'>') | (unit == u'"') |
-               (unit == u'\r') | (unit <= last) | (unit >= first);
+        return (unit == u'&') | (unit == u'<') | (unit == u'>') | (unit == u'"') | (unit == u'\r') |
+               (unit <= last) | (unit >= first);
     };
     failed_ = false;
-    AppendEscapedCharacters(out, text, is_escaped, [this](String& to, StringView rest) {
-        return AppendEscape(to, rest);
-    });
+    AppendEscapedCharacters(out, text, is_escaped,
+                            [this](String& to, StringView rest) { return AppendEscape(to, rest); });
     if (!failed_) return true;
     error = Format(u"The character U+%04X cannot be written in %s.",
                    static_cast<std::uint32_t>(refused_), language_.name);

@@ -8,9 +8,9 @@
 namespace DataConsumers {
 
 // Writes texts into XML or HTML so that a reader gives them back unit for unit, as text or as the
-// value of an attribute. "&", "<", ">" and the double quote become entities, and what a reader would
-// change becomes a reference: TAB, CR and LF in XML (XML 1.0, sections 2.11 and 3.3.3), CR in HTML.
-// Everything else stays as it is where the encoding has it, otherwise it is a reference, too.
+// value of an attribute. "&", "<", ">" and the double quote become entities, and what a reader
+// would change becomes a reference: TAB, CR and LF in XML (XML 1.0, sections 2.11 and 3.3.3), CR in
+// HTML. Everything else stays as it is where the encoding has it, otherwise it is a reference, too.
 //
 // Unpaired surrogates are left to the encoding, or written as U+FFFD and counted.
 class StrictMarkup {
@@ -19,8 +19,8 @@ public:
     static StrictMarkup ForXml(Unmappable unmappable, bool unicode);
     static StrictMarkup ForHtml(Unmappable unmappable, bool unicode);
 
-    // Appends `text`. A character that the language lacks is left out, becomes U+FFFD, or fails with
-    // "The character U+%04X cannot be written in %s."
+    // Appends `text`. A character that the language lacks is left out, becomes U+FFFD, or fails
+    // with "The character U+%04X cannot be written in %s."
     bool Append(String& error, StringView text, String& out);
 
     // Characters that became U+FFFD.

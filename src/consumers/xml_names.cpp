@@ -91,9 +91,9 @@ constexpr Range kFollowers[] = {
 
 template <std::size_t N>
 bool Holds(const Range (&ranges)[N], char32_t character) {
-    const auto after = std::upper_bound(
-        std::begin(ranges), std::end(ranges), character,
-        [](char32_t wanted, const Range& range) { return wanted < range.first; });
+    const auto after =
+        std::upper_bound(std::begin(ranges), std::end(ranges), character,
+                         [](char32_t wanted, const Range& range) { return wanted < range.first; });
     return after != std::begin(ranges) && character <= std::prev(after)->last;
 }
 
