@@ -32,8 +32,10 @@ constexpr StringView kRowStart = u"{\\trowd\\trgaph108\\trleft0\n";
 constexpr StringView kHeadRowStart = u"{\\trowd\\trgaph108\\trleft0\\trhdr\n";
 constexpr StringView kShading = u"\\clcbpat1";
 
+// What stands behind it is for readers that know no Unicode: a question mark, as a number, because
+// others leave out more than that one character.
 void AppendUnit(String& out, char16_t unit) {
-    out += Format(u"\\u%d?", static_cast<std::int16_t>(unit));
+    out += Format(u"\\u%d\\'3f", static_cast<std::int16_t>(unit));
 }
 
 // The longest line of a text.

@@ -7,6 +7,7 @@
 #include "consumers/number_text.h"
 #include "files/format.h"
 #include "files/text.h"
+#include "files/unit_search.h"
 
 namespace DataConsumers {
 namespace {
@@ -26,13 +27,18 @@ constexpr StringView kStyles =
     u"<Style ss:ID=\"date\"><NumberFormat ss:Format=\"yyyy\\-mm\\-dd\"/></Style>\n"
     u"<Style ss:ID=\"time\"><NumberFormat ss:Format=\"yyyy\\-mm\\-dd\\ hh:mm:ss\"/></Style>\n"
     u"</Styles>\n";
-constexpr StringView kTextCell = u"<Cell><Data ss:Type=\"String\">";
-constexpr StringView kLinesCell = u"<Cell ss:StyleID=\"lines\"><Data ss:Type=\"String\">";
-constexpr StringView kNameCell = u"<Cell ss:StyleID=\"bld\"><Data ss:Type=\"String\">";
-constexpr StringView kNumberCell = u"<Cell><Data ss:Type=\"Number\">";
-constexpr StringView kBitCell = u"<Cell><Data ss:Type=\"Boolean\">";
-constexpr StringView kDateCell = u"<Cell ss:StyleID=\"date\"><Data ss:Type=\"DateTime\">";
-constexpr StringView kTimestampCell = u"<Cell ss:StyleID=\"time\"><Data ss:Type=\"DateTime\">";
+
+enum class Cell { Text, Lines, Name, Number, Date, Timestamp };
+
+// How the cells begin, in the order of Cell.
+constexpr StringView kCellStarts[] = {
+    u"<Cell><Data ss:Type=\"String\">",
+    u"<Cell ss:StyleID=\"lines\"><Data ss:Type=\"String\">",
+    u"<Cell ss:StyleID=\"bld\"><Data ss:Type=\"String\">",
+    u"<Cell><Data ss:Type=\"Number\">",
+    u"<Cell ss:StyleID=\"date\"><Data ss:Type=\"DateTime\">",
+    u"<Cell ss:StyleID=\"time\"><Data ss:Type=\"DateTime\">",
+};
 constexpr StringView kCellEnd = u"</Data></Cell>";
 constexpr StringView kRowEnd = u"</Row>\n";
 
@@ -41,12 +47,35 @@ bool IsKept(StringView number) {
     constexpr std::size_t kLongest = 200;        // digits; doubles end at 308
     constexpr std::size_t kLongestExponent = 4;  // "e+99"
     const std::size_t mantissa = std::min(number.find_first_of(u"eE"), number.size());
+    if (mantissa <= kKeptDigits && mantissa == number.size()) return true;  // nearly all
     return SignificantDigits(number) <= kKeptDigits && mantissa <= kLongest &&
            number.size() - mantissa <= kLongestExponent;
 }
 
+// Bits are numbers, too: not every reader keeps cells of the type Boolean.
+bool IsCounted(ColumnKind kind) { return IsNumber(kind) || kind == ColumnKind::Bit; }
+
 bool IsDateKind(ColumnKind kind) {
     return kind == ColumnKind::Date || kind == ColumnKind::Timestamp;
+}
+
+StringView StartOf(Cell cell) { return kCellStarts[static_cast<std::size_t>(cell)]; }
+
+bool HasLines(StringView text) {
+    const char16_t* const end = text.data() + text.size();
+    return FindUnit(text.data(), end, [](auto unit) { return unit == u'\n'; }) != end;
+}
+
+// What kind of cell a value is; that of a number or a date stands in `cell` as it is written.
+Cell CellOf(ColumnKind kind, StringView text, String& cell) {
+    cell.clear();
+    if (IsCounted(kind) && AppendNumber(cell, text) && IsKept(cell)) return Cell::Number;
+    if (IsDateKind(kind)) {
+        const DateStyle style = MakeCellDate(text, cell);
+        if (style == DateStyle::Date) return Cell::Date;
+        if (style == DateStyle::Timestamp) return Cell::Timestamp;
+    }
+    return HasLines(text) ? Cell::Lines : Cell::Text;
 }
 
 // The first `count` units, less half a character at the end.
@@ -101,7 +130,7 @@ bool StrictSheet::AppendHead(String& error, String& out) {
     if (!markup_.Append(error, TakeSheetName(), out)) return false;
     out += u"\">\n<Table>\n<Row>";
     for (const Column& column : Columns()) {
-        out += kNameCell;
+        out += StartOf(Cell::Name);
         if (!AppendText(error, column.name, out)) return FailAt(error, column);
         out += kCellEnd;
     }
@@ -130,23 +159,12 @@ bool StrictSheet::AppendCell(String& error, const Column& column, const DataValu
         out += u"<Cell/>";
         return true;
     }
-    const StringView text = value.Text;
-    cell_.clear();
-    if (IsNumber(column.kind) && AppendNumber(cell_, text) && IsKept(cell_)) {
-        out += kNumberCell;
-        out += cell_;
-    } else if (column.kind == ColumnKind::Bit && (text == u"0" || text == u"1")) {
-        out += kBitCell;
-        out += text;
-    } else if (const DateStyle style =
-                   IsDateKind(column.kind) ? MakeCellDate(text, cell_) : DateStyle::None;
-               style != DateStyle::None) {
-        out += style == DateStyle::Date ? kDateCell : kTimestampCell;
-        out += cell_;
+    const Cell cell = CellOf(column.kind, value.Text, cell_);
+    out += StartOf(cell);
+    if (cell == Cell::Text || cell == Cell::Lines) {
+        if (!AppendText(error, value.Text, out)) return false;
     } else {
-        const bool lines = text.find(u'\n') != StringView::npos;
-        out += lines ? kLinesCell : kTextCell;
-        if (!AppendText(error, text, out)) return false;
+        out += cell_;
     }
     out += kCellEnd;
     return true;

@@ -15,9 +15,9 @@ namespace DataConsumers {
 //     <Row><Cell ss:StyleID="bld"><Data ss:Type="String">Price</Data></Cell></Row>
 //     <Row><Cell><Data ss:Type="Number">12.5</Data></Cell></Row>
 //
-// Cells follow the types of their columns: numbers that a spreadsheet keeps whole, dates that it
-// counts, bits; everything else is text. NULL is an empty cell. A sheet that is full is followed by
-// another one with the same names.
+// Cells follow the types of their columns: numbers that a spreadsheet keeps whole, bits as 0 and 1,
+// dates that it counts; everything else is text. NULL is an empty cell. A sheet that is full is
+// followed by another one with the same names.
 //
 // A row fails with "Column '%s': a cell takes 32767 characters and not %d.", and with the failures
 // of StrictMarkup.
