@@ -19,7 +19,7 @@ bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding,
     output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
     // What is no regular file has no content to go on behind, and no mark of its own.
     const bool behind_content = append && output_ && output_->IsRegular();
-    if (behind_content && existed) ContinueInOwnEncoding();
+    if (behind_content && existed) ContinueInOwnEncoding(marked ? Encoding::Ansi : encoding);
     std::uint64_t position = 0;
     if (!output_ || (behind_content && !output_->SeekEnd(error, position))) {
         error.text.insert(0, u"Could not open file for writing: ");
@@ -31,7 +31,7 @@ bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding,
     return true;
 }
 
-void TextWriter::ContinueInOwnEncoding() {
+void TextWriter::ContinueInOwnEncoding(Encoding unmarked) {
     std::array<std::byte, 3> start{};
     std::size_t count = 0;
     ErrorRecord failure;
@@ -40,6 +40,7 @@ void TextWriter::ContinueInOwnEncoding() {
                    NoticeStream::Output);
     }
     encoding_ = RecogniseByteOrderMark(std::span(start).first(count));
+    if (encoding_ == Encoding::Ansi) encoding_ = unmarked;
 }
 
 // A mark that cannot be written is no failure: the first text will meet the same trouble.

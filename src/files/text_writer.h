@@ -20,7 +20,8 @@ public:
     //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code. A pipe,
     //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
     // Fails with "Could not open file for writing: " and the system's text; the code is kept.
-    // marked: whether a new file begins with the mark.
+    // marked: whether a new file begins with the mark. Without it a file that has none, and is
+    //         appended to, goes on in `encoding`.
     bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
               bool marked = true);
     bool IsOpen() const { return output_ != nullptr; }
@@ -47,7 +48,7 @@ public:
     bool Finish(ErrorRecord& error);
 
 private:
-    void ContinueInOwnEncoding();
+    void ContinueInOwnEncoding(Encoding unmarked);
     void WriteByteOrderMark();
     bool Fail(ErrorRecord& error);
 
