@@ -26,7 +26,7 @@ StrictPage::StrictPage(PageFrame frame, const PageClasses& classes, Unmappable u
       charset_(charset),
       markup_(StrictMarkup::ForHtml(unmappable, charset.unicode)),
       table_tag_(OpeningTag(u"table", classes.table)),
-      header_tag_(OpeningTag(u"th", classes.header)),
+      header_tag_(OpeningTag(u"th scope=\"col\"", classes.header)),
       row_tag_(OpeningTag(u"tr", classes.row)),
       cell_tag_(OpeningTag(u"td", classes.cell)),
       null_cell_(OpeningTag(u"td", classes.cell.empty() ? u"null" : classes.cell + u" null") +
@@ -45,7 +45,7 @@ void StrictPage::AppendFileStart(String& out) {
         out += frame_.prologue;
         return;
     }
-    out += u"<!DOCTYPE html>\n<html>\n<head>\n";
+    out += u"<!DOCTYPE html>\n<html lang=\"und\">\n<head>\n";
     // The byte-order mark tells of UTF-16; an element that can be read cannot.
     if (charset_.name != u"UTF-16") out += Format(u"<meta charset=\"%s\">\n", charset_.name);
     AppendTitle(out);

@@ -12,7 +12,7 @@ namespace DataConsumers {
 //
 //     <table class="table">
 //     <thead>
-//     <tr><th>Price</th><th>Note</th></tr>
+//     <tr><th scope="col">Price</th><th scope="col">Note</th></tr>
 //     </thead>
 //     <tbody>
 //     <tr><td>12.5</td><td class="null"></td></tr>

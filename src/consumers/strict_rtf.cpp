@@ -12,7 +12,7 @@ namespace {
 
 // Twips, of which an inch has 1440. A4 with margins of two centimetres.
 constexpr std::size_t kTableWidth = 11906 - 2 * 1134;
-constexpr std::size_t kCharacterWidth = 115;  // of a middling character in ten points
+constexpr std::size_t kCharacterWidth = 140;  // of a middling character in ten points
 constexpr std::size_t kCellPadding = 2 * 108 + 60;
 
 // So much of a table is looked at before its widths are settled.

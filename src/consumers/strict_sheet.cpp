@@ -128,7 +128,9 @@ String StrictSheet::TakeSheetName() {
 bool StrictSheet::AppendHead(String& error, String& out) {
     out += u"<Worksheet ss:Name=\"";
     if (!markup_.Append(error, TakeSheetName(), out)) return false;
-    out += u"\">\n<Table>\n<Row>";
+    out += u"\">\n<Table>\n";
+    AppendWidths(out);
+    out += u"<Row>";
     for (const Column& column : Columns()) {
         out += StartOf(Cell::Name);
         if (!AppendText(error, column.name, out)) return FailAt(error, column);
@@ -137,6 +139,15 @@ bool StrictSheet::AppendHead(String& error, String& out) {
     out += kRowEnd;
     rows_in_sheet_ = 1;
     return true;
+}
+
+// A timestamp wants more room than cells have by themselves; a text without room is cut when it is
+// shown, a date is not shown at all.
+void StrictSheet::AppendWidths(String& out) const {
+    for (std::size_t i = 0; i < Columns().size(); ++i) {
+        if (Columns()[i].kind != ColumnKind::Timestamp) continue;
+        out += Format(u"<Column ss:Index=\"%d\" ss:Width=\"120\"/>\n", i + 1);
+    }
 }
 
 bool StrictSheet::AppendValues(String& error, const DataRow& row, String& out) {

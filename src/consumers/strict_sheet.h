@@ -34,6 +34,7 @@ private:
     void AppendTableEnd(String& out) override;
     void AppendFileEnd(String& out) override;
 
+    void AppendWidths(String& out) const;
     bool AppendCell(String& error, const Column& column, const DataValue& value, String& out);
     bool AppendText(String& error, StringView text, String& out);
     String TakeSheetName();
