@@ -9,12 +9,16 @@ bool DocumentTarget::ReadSettings(String& error, const SectionSettings& settings
 
 FileStart DocumentTarget::StartOf(const SectionSettings& settings) const {
     const bool strict = settings.Word(kForm, Form::Plain) == Form::Strict;
-    return strict ? StrictStart(settings) : FileTarget::StartOf(settings);
+    return strict ? StrictStart(settings) : PlainStart(settings);
+}
+
+FileStart DocumentTarget::PlainStart(const SectionSettings& settings) const {
+    return FileTarget::StartOf(settings);
 }
 
 FileStart DocumentTarget::StrictStart(const SectionSettings& settings) const {
     if (!settings.IsSet(encoding_key_)) return {Encoding::Utf8, false};
-    const Encoding encoding = FileTarget::StartOf(settings).encoding;
+    const Encoding encoding = PlainStart(settings).encoding;
     return {encoding, encoding == Encoding::Utf16LittleEndian};
 }
 

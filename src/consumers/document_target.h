@@ -26,6 +26,8 @@ protected:
     virtual std::unique_ptr<DocumentForm> MakeForm(String& error,
                                                    const SectionSettings& settings) = 0;
     FileStart StartOf(const SectionSettings& settings) const override;
+    // How a plain one does: by the keys.
+    FileStart PlainStart(const SectionSettings& settings) const;
     // How a strict document begins: in UTF-8 without a mark, unless the job says otherwise.
     FileStart StrictStart(const SectionSettings& settings) const;
 

@@ -79,7 +79,8 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     sink_ = OpenFileSink(error, name, encoding_, start.marked, append_, loss_told_);
     if (!sink_) return false;
     if (!CanGoOn() && !sink_->BeganEmpty()) {
-        error = Format(u"The file '%s' holds something, and a document cannot be appended to.", name);
+        error =
+            Format(u"The file '%s' holds something, and a document cannot be appended to.", name);
         return false;
     }
     return BeginFile(error);

@@ -40,7 +40,7 @@ std::unique_ptr<DocumentForm> JSONFile::MakeForm(String& error, const SectionSet
 }
 
 FileStart JSONFile::StartOf(const SectionSettings& settings) const {
-    return FormOf(settings) == JsonForm::Plain ? FileTarget::StartOf(settings)
+    return FormOf(settings) == JsonForm::Plain ? PlainStart(settings)
                                                : StrictStart(settings);
 }
 

@@ -19,7 +19,7 @@ std::unique_ptr<DocumentForm> RTFFile::MakeForm(String& error, const SectionSett
 }
 
 FileStart RTFFile::StartOf(const SectionSettings& settings) const {
-    if (settings.Word(kForm, Form::Plain) == Form::Plain) return FileTarget::StartOf(settings);
+    if (settings.Word(kForm, Form::Plain) == Form::Plain) return PlainStart(settings);
     return {Encoding::Ansi, false};
 }
 

@@ -101,7 +101,7 @@ bool StrictRtf::AppendHead(String& /*error*/, String& /*out*/) {
 
 bool StrictRtf::AppendValues(String& /*error*/, const DataRow& row, String& out) {
     if (widths_settled_) {
-        AppendRow(row_definition_, row, out);
+        AppendCells(row_definition_, row, out);
         return true;
     }
     HoldRow(row);
@@ -114,7 +114,7 @@ void StrictRtf::HoldRow(const DataRow& row) {
         const DataValue& value = row[Columns()[i].position];
         widest_[i] = std::max(widest_[i], value.IsNull ? 4 : WidthOf(value.Text));
     }
-    AppendRow({}, row, held_.emplace_back());
+    AppendCells({}, row, held_.emplace_back());
     held_units_ += held_.back().size();
 }
 
@@ -138,7 +138,7 @@ void StrictRtf::SettleWidths(String& out) {
     held_.clear();
 }
 
-void StrictRtf::AppendRow(StringView definition, const DataRow& row, String& out) {
+void StrictRtf::AppendCells(StringView definition, const DataRow& row, String& out) {
     if (Columns().empty()) return;
     out += definition;
     for (const Column& column : Columns()) {

@@ -29,7 +29,7 @@ private:
     void AppendFileEnd(String& out) override;
 
     void AppendText(StringView text, String& out);
-    void AppendRow(StringView definition, const DataRow& row, String& out);
+    void AppendCells(StringView definition, const DataRow& row, String& out);
     void HoldRow(const DataRow& row);
     void SettleWidths(String& out);
 
