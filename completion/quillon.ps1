@@ -13,6 +13,7 @@ Register-ArgumentCompleter -Native -CommandName quillon -ScriptBlock {
         '-check=connect',
         '-only=',
         '-from=',
+        '-report=',
         '-Type=',
         '-DSN=',
         '-Query=',

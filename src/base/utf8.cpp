@@ -1,8 +1,6 @@
 #include "base/utf8.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <type_traits>
+#include "base/narrow_run.h"
 
 namespace {
 
@@ -10,80 +8,55 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
 // An escaped byte, see FromNativeBytes.
 bool IsEscapedByte(char32_t unit) { return unit >= 0xDC80 && unit <= 0xDCFF; }
 
-// Takes the code point at `position` and moves past it; an unpaired surrogate comes out as itself.
-char32_t TakeCodePoint(StringView text, std::size_t& position) {
-    const char32_t unit = text[position++];
-    if (IsHighSurrogate(unit) && position < text.size() && IsLowSurrogate(text[position])) {
-        const char32_t low = text[position++];
-        return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-    }
-    return unit;
-}
-
-// How many ASCII characters `text` begins with. Most text is ASCII in long runs: a block is looked
-// at by a plain loop over all of it, which the compiler does many characters at a time.
-template <class Unit>
-std::size_t AsciiLength(std::basic_string_view<Unit> text) {
-    constexpr std::size_t kBlock = 32;
-    using Value = std::make_unsigned_t<std::conditional_t<sizeof(Unit) == 1, char, short>>;
-    const auto is_ascii = [](Unit unit) { return static_cast<Value>(unit) < 0x80; };
-    std::size_t length = 0;
-    while (text.size() - length >= kBlock) {
-        const Unit* const block = text.data() + length;
-        Value seen = 0;
-        for (std::size_t i = 0; i < kBlock; ++i) seen = static_cast<Value>(seen | block[i]);
-        if (seen >= 0x80) break;
-        length += kBlock;
-    }
-    while (length < text.size() && is_ascii(text[length])) ++length;
-    return length;
-}
-
-// Takes the ASCII characters at `position` over as they are and moves past them.
-template <class From, class To>
-void TakeAscii(std::basic_string_view<From> from, std::size_t& position, To& to) {
-    const std::basic_string_view<From> run =
-        from.substr(position, AsciiLength(from.substr(position)));
-    const std::size_t start = to.size();
-    to.resize(start + run.size());
-    std::transform(run.begin(), run.end(), to.begin() + static_cast<std::ptrdiff_t>(start),
-                   [](From unit) { return static_cast<typename To::value_type>(unit); });
-    position += run.size();
-}
-
-void AppendEncoded(char32_t point, std::string& bytes) {
+// Writes `point` as UTF-8 and returns where it ends.
+char* PutEncoded(char32_t point, char* to) {
+    const auto lead = [&](unsigned mark, int shift) {
+        *to++ = static_cast<char>(mark | (point >> shift));
+    };
     const auto tail = [&](int shift) {
-        bytes.push_back(static_cast<char>(0x80 | ((point >> shift) & 0x3F)));
+        *to++ = static_cast<char>(0x80 | ((point >> shift) & 0x3F));
     };
     if (point < 0x80) {
-        bytes.push_back(static_cast<char>(point));
+        lead(0, 0);
     } else if (point < 0x800) {
-        bytes.push_back(static_cast<char>(0xC0 | (point >> 6)));
+        lead(0xC0, 6);
         tail(0);
     } else if (point < 0x10000) {
-        bytes.push_back(static_cast<char>(0xE0 | (point >> 12)));
+        lead(0xE0, 12);
         tail(6);
         tail(0);
     } else {
-        bytes.push_back(static_cast<char>(0xF0 | (point >> 18)));
+        lead(0xF0, 18);
         tail(12);
         tail(6);
         tail(0);
     }
+    return to;
+}
+
+// Writes `point` as UTF-16 and returns where it ends.
+char16_t* PutUnits(char32_t point, char16_t* to) {
+    if (point < 0x10000) {
+        *to++ = static_cast<char16_t>(point);
+        return to;
+    }
+    *to++ = static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
+    *to++ = static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF));
+    return to;
+}
+
+void AppendEncoded(char32_t point, std::string& bytes) {
+    char room[4];
+    bytes.append(room, PutEncoded(point, room));
 }
 
 void AppendUnits(char32_t point, String& text) {
-    if (point < 0x10000) {
-        text.push_back(static_cast<char16_t>(point));
-        return;
-    }
-    text.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
-    text.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+    char16_t room[2];
+    text.append(room, PutUnits(point, room));
 }
 
 struct Sequence {
@@ -117,16 +90,75 @@ bool TakeSequence(std::string_view bytes, std::size_t& position, char32_t& point
 
 }  // namespace
 
-void AppendUtf8(StringView text, std::string& bytes) {
-    bytes.reserve(bytes.size() + text.size());
+char32_t TakeCodePoint(StringView text, std::size_t& position) {
+    const char32_t unit = text[position++];
+    if (IsHighSurrogate(unit) && position < text.size() && IsLowSurrogate(text[position])) {
+        const char32_t low = text[position++];
+        return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+    }
+    return unit;
+}
+
+char* EncodeUtf8(StringView text, char* to, std::uint64_t& replaced) {
     for (std::size_t i = 0; i < text.size();) {
         if (text[i] < 0x80) {
-            TakeAscii(text, i, bytes);
+            const std::size_t run = CopyAscii(text.data() + i, text.size() - i, to);
+            i += run;
+            to += run;
             continue;
         }
-        const char32_t point = TakeCodePoint(text, i);
-        AppendEncoded(IsSurrogate(point) ? kReplacement : point, bytes);
+        char32_t point = TakeCodePoint(text, i);
+        if (IsSurrogate(point)) {
+            point = kReplacement;
+            ++replaced;
+        }
+        to = PutEncoded(point, to);
     }
+    return to;
+}
+
+std::size_t DecodeUtf8(std::string_view bytes, char16_t*& to) {
+    std::size_t i = 0;
+    while (i < bytes.size()) {
+        if (static_cast<std::uint8_t>(bytes[i]) < 0x80) {
+            const std::size_t run = CopyAscii(bytes.data() + i, bytes.size() - i, to);
+            i += run;
+            to += run;
+            continue;
+        }
+        char32_t point = 0;
+        if (!TakeSequence(bytes, i, point)) break;
+        to = PutUnits(point, to);
+    }
+    return i;
+}
+
+std::size_t InvalidUtf8Length(std::string_view bytes, bool& cut_short) {
+    const auto lead = static_cast<std::uint8_t>(bytes[0]);
+    std::size_t wanted = SequenceOf(lead).length;
+    if (lead < 0xC2 || lead > 0xF4) wanted = 0;  // overlong, or beyond the last character
+    // The second byte alone tells overlong forms, surrogates and what is beyond the last character.
+    std::uint8_t least = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    std::uint8_t most = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    std::size_t length = 1;
+    while (length < wanted && length < bytes.size()) {
+        const auto tail = static_cast<std::uint8_t>(bytes[length]);
+        if (tail < least || tail > most) break;
+        least = 0x80;
+        most = 0xBF;
+        ++length;
+    }
+    cut_short = length == bytes.size() && length < wanted;
+    return length;
+}
+
+void AppendUtf8(StringView text, std::string& bytes) {
+    constexpr std::size_t kMostBytes = 3;  // of a unit; a pair has four
+    const std::size_t start = bytes.size();
+    bytes.resize(start + kMostBytes * text.size());
+    std::uint64_t replaced = 0;
+    const char* const end = EncodeUtf8(text, bytes.data() + start, replaced);
+    bytes.resize(static_cast<std::size_t>(end - bytes.data()));
 }
 
 std::string ToUtf8(StringView text) {
@@ -136,24 +168,20 @@ std::string ToUtf8(StringView text) {
 }
 
 bool FromUtf8(std::string_view bytes, String& text) {
-    text.clear();
-    text.reserve(bytes.size());
-    for (std::size_t i = 0; i < bytes.size();) {
-        if (static_cast<std::uint8_t>(bytes[i]) < 0x80) {
-            TakeAscii(bytes, i, text);
-            continue;
-        }
-        char32_t point = 0;
-        if (!TakeSequence(bytes, i, point)) return false;
-        AppendUnits(point, text);
-    }
-    return true;
+    text.resize(bytes.size());
+    char16_t* end = text.data();
+    const std::size_t taken = DecodeUtf8(bytes, end);
+    text.resize(static_cast<std::size_t>(end - text.data()));
+    return taken == bytes.size();
 }
 
-std::size_t FindUnpairedSurrogate(StringView text) {
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t start = i;
-        if (IsSurrogate(TakeCodePoint(text, i))) return start;
+std::size_t FindUnpairedSurrogate(StringView text, std::size_t start) {
+    constexpr unsigned kFirstSurrogate = 0xD800;  // most text lies below
+    for (std::size_t i = start; i < text.size();) {
+        i += CountUnitsBelow<kFirstSurrogate>(text.data() + i, text.size() - i);
+        if (i == text.size()) break;
+        const std::size_t position = i;
+        if (IsSurrogate(TakeCodePoint(text, i))) return position;
     }
     return StringView::npos;
 }

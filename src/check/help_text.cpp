@@ -62,7 +62,7 @@ String WordsOf(Section section) {
 String Usage() {
     String usage(kUsage);
     usage += u'\n';
-    for (const KeySpec& key : KeySpan(kSwitches)) {
+    for (const KeySpec& key : kSwitches) {
         String name(key.name);
         name.resize(std::max(name.size(), kNameWidth), u' ');
         usage += Format(u"  %s %s\n", name, key.meaning);

@@ -463,7 +463,7 @@ std::vector<Finding> CheckSwitches(const Configuration& configuration, CheckDept
 }
 
 String ShownFinding(const Configuration& configuration, const Finding& finding) {
-    const String text = (finding.error ? u"" : u"warning: ") + finding.text;
+    String text = (finding.error ? u"" : u"warning: ") + finding.text;
     if (finding.place.line == 0) return text;
     return Format(u"%s:%u: %s", configuration.TheJob().files[finding.place.file],
                   finding.place.line, text);

@@ -92,7 +92,7 @@ String KeyPage() {
         const KeyOwner& owner = owners[i];
         if (owner.section == Section::CommandLine) {
             page += u"\n## Switches of the command line\n\n| Switch | Meaning |\n|---|---|\n";
-            for (const KeySpec& key : KeySpan(kSwitches)) {
+            for (const KeySpec& key : kSwitches) {
                 page += Format(u"| `%s` | %s |\n", key.name, Cell(key.meaning));
             }
             continue;

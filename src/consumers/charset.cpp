@@ -6,7 +6,7 @@ namespace DataConsumers {
 namespace {
 
 struct CodePageName {
-    std::uint16_t code_page;
+    std::uint32_t code_page;
     StringView name;
 };
 
@@ -17,7 +17,7 @@ constexpr CodePageName kCodePageNames[] = {
     {54936, u"GB18030"},
 };
 
-String NameOfCodePage(std::uint16_t code_page) {
+String NameOfCodePage(std::uint32_t code_page) {
     for (const CodePageName& row : kCodePageNames) {
         if (row.code_page == code_page) return String(row.name);
     }
@@ -28,11 +28,10 @@ String NameOfCodePage(std::uint16_t code_page) {
 
 }  // namespace
 
-Charset CharsetOf(Encoding encoding, std::uint16_t code_page) {
-    constexpr std::uint16_t kUtf8CodePage = 65001;
-    if (code_page != 0 && code_page != kUtf8CodePage) return {NameOfCodePage(code_page), false};
-    if (code_page == kUtf8CodePage || encoding == Encoding::Utf8) return {u"UTF-8", true};
-    if (encoding == Encoding::Ansi) return {u"ISO-8859-1", false};
+Charset CharsetOf(const FileEncoding& encoding) {
+    if (encoding.code_page) return {NameOfCodePage(*encoding.code_page), false};
+    if (encoding.form == Encoding::Utf8) return {u"UTF-8", true};
+    if (encoding.form == Encoding::Ansi) return {u"ISO-8859-1", false};
     return {u"UTF-16", true};
 }
 

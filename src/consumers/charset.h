@@ -13,7 +13,6 @@ struct Charset {
     bool unicode = false;  // every character; otherwise ASCII is all that is sure
 };
 
-// code_page: other than 0 that code page, whatever the encoding.
-Charset CharsetOf(Encoding encoding, std::uint16_t code_page = 0);
+Charset CharsetOf(const FileEncoding& encoding);
 
 }  // namespace DataConsumers

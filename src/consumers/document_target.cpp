@@ -7,19 +7,21 @@ bool DocumentTarget::ReadSettings(String& error, const SectionSettings& settings
     return form_ != nullptr;
 }
 
-FileStart DocumentTarget::StartOf(const SectionSettings& settings) const {
-    const bool strict = settings.Word(kForm, Form::Plain) == Form::Strict;
-    return strict ? StrictStart(settings) : PlainStart(settings);
+bool DocumentTarget::WantsStrictForm(const SectionSettings& settings) const {
+    return settings.Word(kForm, Form::Plain) == Form::Strict;
 }
 
-FileStart DocumentTarget::PlainStart(const SectionSettings& settings) const {
-    return FileTarget::StartOf(settings);
+TextForm DocumentTarget::TextFormOf(const SectionSettings& settings) const {
+    return WantsStrictForm(settings) ? StrictTextForm(settings) : FileTarget::TextFormOf(settings);
 }
 
-FileStart DocumentTarget::StrictStart(const SectionSettings& settings) const {
-    if (!settings.IsSet(encoding_key_)) return {Encoding::Utf8, false};
-    const Encoding encoding = PlainStart(settings).encoding;
-    return {encoding, encoding == Encoding::Utf16LittleEndian};
+// Without a mark readers would take UTF-16 for something else.
+TextForm DocumentTarget::StrictTextForm(const SectionSettings& settings) const {
+    TextForm form = FileTarget::TextFormOf(settings);
+    if (!settings.IsSet(encoding_key_)) form.encoding = {.form = Encoding::Utf8};
+    if (!SetsMark(settings)) form.marked = form.encoding.form == Encoding::Utf16LittleEndian;
+    form.keeps_encoding = true;
+    return form;
 }
 
 bool DocumentTarget::BeginFile(String& error) {

@@ -4,7 +4,6 @@
 
 #include "consumers/document_form.h"
 #include "consumers/file_target.h"
-#include "files/text_encoder.h"
 
 namespace DataConsumers {
 
@@ -25,11 +24,13 @@ protected:
     // The form that the settings ask for; null, with `error`, where they contradict each other.
     virtual std::unique_ptr<DocumentForm> MakeForm(String& error,
                                                    const SectionSettings& settings) = 0;
-    FileStart StartOf(const SectionSettings& settings) const override;
-    // How a plain one does: by the keys.
-    FileStart PlainStart(const SectionSettings& settings) const;
-    // How a strict document begins: in UTF-8 without a mark, unless the job says otherwise.
-    FileStart StrictStart(const SectionSettings& settings) const;
+    // Whether the job asks for a form other than the plain one.
+    virtual bool WantsStrictForm(const SectionSettings& settings) const;
+    // By the keys for the plain form. A strict document is UTF-8 without a mark, unless they say
+    // otherwise.
+    TextForm TextFormOf(const SectionSettings& settings) const override;
+    // The same for a strict document.
+    TextForm StrictTextForm(const SectionSettings& settings) const;
 
 private:
     bool ReadSettings(String& error, const SectionSettings& settings) final;
@@ -56,16 +57,5 @@ inline constexpr KeyTable kFormKeys({
      .since = Since::Later},
 });
 inline constexpr Key kForm = kFormKeys[u"Form"];
-
-inline constexpr KeyTable kUnmappableKeys({
-    {.name = u"Unmappable",
-     .kind = KeyKind::Word,
-     .words = u"Cut Replace Stop",
-     .edition1 = u"Cut",
-     .edition2 = u"Stop",
-     .meaning = u"what becomes of a character that cannot be written",
-     .since = Since::Later},
-});
-inline constexpr Key kUnmappable = kUnmappableKeys[u"Unmappable"];
 
 }  // namespace DataConsumers

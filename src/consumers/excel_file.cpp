@@ -6,14 +6,13 @@
 namespace DataConsumers {
 
 KeyList ExcelFile::Keys() {
-    return {kFormKeys, kUnmappableKeys, kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()};
+    return {kFormKeys, kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()};
 }
 
 std::unique_ptr<DocumentForm> ExcelFile::MakeForm(String& /*error*/,
                                                   const SectionSettings& settings) {
-    if (settings.Word(kForm, Form::Plain) == Form::Plain) return std::make_unique<PlainSheet>();
-    return std::make_unique<StrictSheet>(settings.Word(kUnmappable, Unmappable::Cut),
-                                         CharsetOf(StartOf(settings).encoding));
+    if (!WantsStrictForm(settings)) return std::make_unique<PlainSheet>();
+    return std::make_unique<StrictSheet>(FormOfText().unmappable, CharsetOf(FormOfText().encoding));
 }
 
 }  // namespace DataConsumers

@@ -85,21 +85,18 @@ PageClasses ReadClasses(const SectionSettings& settings) {
 }  // namespace
 
 KeyList HtmlFile::Keys() {
-    return {kKeys,     kFormKeys, kUnmappableKeys, kLaterOverwriteKeys, kNarrowEncodingKeys,
-            FileKeys()};
+    return {kKeys, kFormKeys, kLaterOverwriteKeys, kNarrowEncodingKeys, FileKeys()};
 }
 
 std::unique_ptr<DocumentForm> HtmlFile::MakeForm(String& error, const SectionSettings& settings) {
-    const Encoding encoding = StartOf(settings).encoding;
     PageFrame frame;
-    if (!ReadFrame(error, settings, encoding, frame)) return nullptr;
-    if (settings.Word(kForm, Form::Plain) == Form::Plain) {
+    if (!ReadFrame(error, settings, FormOfText().encoding.form, frame)) return nullptr;
+    if (!WantsStrictForm(settings)) {
         return std::make_unique<PlainPage>(std::move(frame), ReadClasses(settings),
                                            !settings.Follows(Rule::NoEmptyTables));
     }
     return std::make_unique<StrictPage>(std::move(frame), ReadClasses(settings),
-                                        settings.Word(kUnmappable, Unmappable::Cut),
-                                        CharsetOf(encoding));
+                                        FormOfText().unmappable, CharsetOf(FormOfText().encoding));
 }
 
 }  // namespace DataConsumers

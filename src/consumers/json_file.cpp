@@ -31,7 +31,7 @@ KeyList JSONFile::Keys() { return {kKeys, kOverwriteKeys, kNarrowEncodingKeys, F
 std::unique_ptr<DocumentForm> JSONFile::MakeForm(String& error, const SectionSettings& settings) {
     const JsonForm form = FormOf(settings);
     if (form == JsonForm::Plain) return std::make_unique<PlainJson>();
-    if (StartOf(settings).encoding != Encoding::Utf8) {
+    if (FormOfText().encoding != FileEncoding{.form = Encoding::Utf8}) {
         error = Format(u"JSONFile: Form=%s is UTF-8 and nothing else.", settings.Text(kJsonForm));
         return nullptr;
     }
@@ -39,13 +39,11 @@ std::unique_ptr<DocumentForm> JSONFile::MakeForm(String& error, const SectionSet
     return std::make_unique<StrictJson>();
 }
 
-FileStart JSONFile::StartOf(const SectionSettings& settings) const {
-    return FormOf(settings) == JsonForm::Plain ? PlainStart(settings)
-                                               : StrictStart(settings);
+bool JSONFile::WantsStrictForm(const SectionSettings& settings) const {
+    return FormOf(settings) != JsonForm::Plain;
 }
 
 bool JSONFile::Write(String& error, RowSet& rows) {
-    error.clear();
     return FileIsOpen() && DocumentTarget::Write(error, rows);
 }
 

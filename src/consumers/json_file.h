@@ -18,7 +18,7 @@ public:
 
 private:
     std::unique_ptr<DocumentForm> MakeForm(String& error, const SectionSettings& settings) override;
-    FileStart StartOf(const SectionSettings& settings) const override;
+    bool WantsStrictForm(const SectionSettings& settings) const override;
 };
 
 }  // namespace DataConsumers

@@ -7,7 +7,7 @@ namespace DataConsumers {
 // Writes the rows as a table of an RTF document, in one of two forms: PlainRtf and StrictRtf.
 //
 // Open fails with "RTFFile: '%s' has no meaning for a document of ASCII alone." when the strict
-// form is given an encoding.
+// form is given an encoding or a mark.
 class RTFFile final : public DocumentTarget {
 public:
     RTFFile() : DocumentTarget(kLaterOverwrite, kLaterEncoding) {}
@@ -15,7 +15,7 @@ public:
 
 private:
     std::unique_ptr<DocumentForm> MakeForm(String& error, const SectionSettings& settings) override;
-    FileStart StartOf(const SectionSettings& settings) const override;
+    TextForm TextFormOf(const SectionSettings& settings) const override;
 };
 
 }  // namespace DataConsumers

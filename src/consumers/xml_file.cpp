@@ -54,7 +54,7 @@ bool TakeNames(String& error, XmlNames& names) {
 }  // namespace
 
 KeyList XMLFile::Keys() {
-    return {kKeys, kFormKeys, kUnmappableKeys, kOverwriteKeys, kLaterEncodingKeys, FileKeys()};
+    return {kKeys, kFormKeys, kOverwriteKeys, kLaterEncodingKeys, FileKeys()};
 }
 
 std::unique_ptr<DocumentForm> XMLFile::MakeForm(String& error, const SectionSettings& settings) {
@@ -63,10 +63,10 @@ std::unique_ptr<DocumentForm> XMLFile::MakeForm(String& error, const SectionSett
                    .item = settings.Text(kItem),
                    .attribute = settings.Text(kNameAttribute),
                    .field_is_tag = settings.Flag(kFieldIsTag)};
-    if (settings.Word(kForm, Form::Plain) == Form::Plain) return std::make_unique<PlainXml>(names);
+    if (!WantsStrictForm(settings)) return std::make_unique<PlainXml>(names);
     if (!TakeNames(error, names)) return nullptr;
-    return std::make_unique<StrictXml>(names, settings.Word(kUnmappable, Unmappable::Cut),
-                                       CharsetOf(StartOf(settings).encoding));
+    return std::make_unique<StrictXml>(names, FormOfText().unmappable,
+                                       CharsetOf(FormOfText().encoding));
 }
 
 }  // namespace DataConsumers

@@ -6,19 +6,22 @@
 #include "base/notices.h"
 #include "files/byte_order_mark.h"
 
-bool dFile::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
-                 bool marked) {
-    if (!memory_mode_) return writer_.Open(error, name, encoding, append, marked);
-    memory_encoding_ = encoding;
+bool dFile::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
+    if (!memory_mode_) return writer_.Open(error, name, form, append);
+    memory_form_ = form;
     memory_text_.clear();
     memory_opened_ = true;
     return true;
 }
 
-bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
+bool dFile::Put(ErrorRecord& error, StringView text, std::size_t* written_size) {
     if (memory_mode_ && memory_opened_) return WriteToMemory(error, text, written_size);
+    return writer_.Write(error, text, written_size);
+}
+
+bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
     ErrorRecord failure;
-    if (writer_.Write(failure, text, written_size)) return true;
+    if (Put(failure, text, written_size)) return true;
     if (writer_.Failed()) {
         TellNotice(failure.text + u'\n');
     } else {
@@ -29,14 +32,13 @@ bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size
 
 // Bytes of a narrow encoding could not be told from UTF-16 once in memory: the text itself is kept.
 bool dFile::WriteToMemory(ErrorRecord& error, StringView text, std::size_t* written_size) {
-    PlainTextEncoder encoder;
+    const std::unique_ptr<TextEncoder> encoder =
+        MakeTextEncoder(error, memory_form_.encoding, memory_form_.unmappable);
     std::span<const std::byte> bytes;
-    if (!encoder.Encode(text, memory_encoding_, bytes)) {
-        error.text = kEncodingNotSupported;
-        return false;
-    }
+    if (!encoder || !encoder->Encode(error, text, bytes)) return false;
     if (written_size != nullptr) *written_size = bytes.size();
-    if (memory_encoding_ == Encoding::Utf16LittleEndian) return WriteBytes(bytes);
+    const bool wide = memory_form_.encoding.form == Encoding::Utf16LittleEndian;
+    if (wide) return WriteBytes(bytes);
     memory_text_ += text;
     return true;
 }

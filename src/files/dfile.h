@@ -27,11 +27,22 @@ public:
     void SetConsoleInput(bool on) { console_input_ = on; }
 
     // Opens a file for writing, see TextWriter::Open.
-    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
-              bool marked = true);
+    bool Open(ErrorRecord& error, const String& name, const TextForm& form, bool append);
+    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
+        return Open(error, name, TextForm{.encoding = {encoding}}, append);
+    }
+    // The same with a file that has been opened, see TextWriter::Begin. Not in memory mode.
+    bool Begin(ErrorRecord& error, const String& name, std::unique_ptr<platform::OutputFile> file,
+               const TextForm& form, bool goes_on) {
+        return writer_.Begin(error, name, std::move(file), form, goes_on);
+    }
     // TextWriter::Write, with one difference: when not all bytes reach the file there is no text,
     // and a notice on standard error tells the reason.
     bool Write(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
+    // Write for those who want to tell the reason; it is told nowhere else.
+    bool Put(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
+    // Hands on what the file has gathered, see TextWriter::Flush.
+    bool Flush(ErrorRecord& error) { return writer_.Flush(error); }
     // Writes bytes as they are. In memory mode they are taken as UTF-16 that ends at a zero unit.
     bool WriteBytes(std::span<const std::byte> bytes);
     // Releases file, stream and buffer. Always true; a notice on standard error tells of a file
@@ -41,10 +52,9 @@ public:
     bool Finish(ErrorRecord& error);
 
     const String& MemoryText() const { return memory_text_; }
-    // Whether the file that is written held nothing when it was opened.
-    bool BeganEmpty() const { return writer_.BeganEmpty(); }
     // The encoding of the file that is written.
-    Encoding CurrentEncoding() const { return writer_.CurrentEncoding(); }
+    Encoding CurrentEncoding() const { return writer_.CurrentEncoding().form; }
+    const TextWriter& Writer() const { return writer_; }
 
     // OpenByMark, except that an empty name opens nothing and succeeds with Ansi and no stream.
     static bool OpenFile(ErrorRecord& error, std::unique_ptr<platform::InputFile>& stream,
@@ -69,7 +79,7 @@ private:
     bool console_input_ = false;
     bool memory_mode_ = false;
     bool memory_opened_ = false;
-    Encoding memory_encoding_ = Encoding::Ansi;
+    TextForm memory_form_;
     String memory_text_;
     TextWriter writer_;
     LineReader reader_;

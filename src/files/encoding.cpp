@@ -1,52 +1,32 @@
 #include "files/encoding.h"
 
-#include <algorithm>
+#include "files/format.h"
+#include "files/text.h"
 
-#include "base/utf8.h"
-
-namespace {
-
-// A plain loop over all, which the compiler can do in blocks.
-bool IsAscii(StringView text) {
-    unsigned seen = 0;
-    for (const char16_t unit : text) seen |= unit;
-    return seen < 0x80;
-}
-
-}  // namespace
-
-Encoding EncodingFromWord(StringView word) {
-    if (word == u"UTF16" || word == u"Unicode") return Encoding::Utf16LittleEndian;
-    if (word == u"UTF8") return Encoding::Utf8;
-    return Encoding::Ansi;
-}
-
-bool PlainTextEncoder::Encode(StringView text, Encoding encoding,
-                              std::span<const std::byte>& bytes) {
-    switch (encoding) {
-        case Encoding::Utf16LittleEndian:
-            bytes = std::as_bytes(std::span(text));
-            return true;
-        case Encoding::Utf8:
-            if (IsAscii(text)) {
-                Narrow(text);
-            } else {
-                bytes_.clear();
-                AppendUtf8(text, bytes_);
-            }
-            break;
-        case Encoding::Ansi:
-            Narrow(text);
-            break;
+FileEncoding EncodingOfCodePage(StringView word) {
+    const std::int64_t number = text::ToInteger(word.substr(2));
+    switch (number) {
+        case 1200:
+            return {Encoding::Utf16LittleEndian};
+        case 1201:
+            return {Encoding::Utf16BigEndian};
+        case 65001:
+            return {Encoding::Utf8};
         default:
-            return false;
+            return {Encoding::Ansi, static_cast<std::uint32_t>(number)};
     }
-    bytes = std::as_bytes(std::span(bytes_));
-    return true;
 }
 
-void PlainTextEncoder::Narrow(StringView text) {
-    bytes_.resize(text.size());
-    std::transform(text.begin(), text.end(), bytes_.begin(),
-                   [](char16_t unit) { return static_cast<char>(unit & 0xFF); });
+String NameOf(const FileEncoding& encoding) {
+    if (encoding.code_page) return Format(u"CP%u", *encoding.code_page);
+    switch (encoding.form) {
+        case Encoding::Utf8:
+            return u"UTF8";
+        case Encoding::Utf16LittleEndian:
+            return u"UTF16";
+        case Encoding::Utf16BigEndian:
+            return u"UTF16BE";
+        default:
+            return u"ANSI";
+    }
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <string>
+#include <optional>
 
 #include "base/strings.h"
 
@@ -16,22 +14,20 @@ enum class Encoding : std::uint32_t {
     Utf8 = 3,               // mark EF BB BF
 };
 
-// The encoding that a job file's word asks for, letter for letter: "UTF16" and "Unicode" give
-// UTF-16 little-endian, "UTF8" gives UTF-8, anything else Ansi.
-Encoding EncodingFromWord(StringView word);
+// How the text of a file is stored: one of the four published encodings, or a code page.
+struct FileEncoding {
+    Encoding form = Encoding::Ansi;
+    std::optional<std::uint32_t> code_page = {};  // with one, `form` is Ansi and means nothing
+
+    bool operator==(const FileEncoding&) const = default;
+};
+
+// The encoding that a word names: "CP1252". Numbers that stand for UTF-8 (65001) and UTF-16 (1200,
+// 1201) are these. word: the letters "CP", in any letter case, and digits.
+FileEncoding EncodingOfCodePage(StringView word);
+
+// What messages call an encoding: "ANSI", "UTF8", "UTF16", "CP1252".
+String NameOf(const FileEncoding& encoding);
 
 // What writers say of an encoding that cannot be written.
 constexpr StringView kEncodingNotSupported = u"Encoding is not supported yet";
-
-// Turns text into the bytes of an encoding, without a mark. Keeps its room between calls.
-class PlainTextEncoder {
-public:
-    // bytes: the result, valid until the next call and as long as `text`.
-    // False for an encoding that cannot be written.
-    bool Encode(StringView text, Encoding encoding, std::span<const std::byte>& bytes);
-
-private:
-    void Narrow(StringView text);
-
-    std::string bytes_;
-};

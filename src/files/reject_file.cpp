@@ -21,7 +21,8 @@ void RejectFile::Use(const String& name, std::uint64_t most) {
 
 bool RejectFile::Begin(String& error) {
     ErrorRecord reason;
-    if (writer_.Open(reason, name_, Encoding::Utf8, false) &&
+    const TextForm form{.encoding = {Encoding::Utf8}, .marked = false};
+    if (writer_.Open(reason, name_, form, false) &&
         writer_.Write(reason, u"line,reason,record\r\n")) {
         return true;
     }

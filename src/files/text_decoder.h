@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 
 #include "base/error_record.h"
 #include "base/strings.h"
-#include "files/text_encoder.h"
+#include "files/encoding.h"
 
 // Turns the bytes of one encoding into text, a piece at a time.
 class TextDecoder {
@@ -21,8 +22,13 @@ public:
     //     piece to skip, from 1 up; otherwise it is 0.
     virtual std::size_t Decode(std::span<const std::byte> bytes, bool last, String& text,
                                std::size_t& invalid) = 0;
+    // Unpaired surrogates of UTF-16 that became U+FFFD so far.
+    std::uint64_t Replaced() const { return replaced_; }
+
+protected:
+    std::uint64_t replaced_ = 0;
 };
 
-// Fails for an encoding that the system does not know. A byte-order mark is decoded like any
-// character; callers take it off before.
+// Fails, with null, with "Encoding %s is not known on this system." for a code page. A byte-order
+// mark is decoded like any character; callers take it off before.
 std::unique_ptr<TextDecoder> MakeTextDecoder(ErrorRecord& error, const FileEncoding& encoding);

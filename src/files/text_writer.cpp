@@ -7,31 +7,62 @@
 #include "files/byte_order_mark.h"
 #include "files/format.h"
 
-bool TextWriter::Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
-                      bool marked) {
+std::unique_ptr<platform::OutputFile> OpenForWriting(ErrorRecord& error, const String& name,
+                                                     bool append, bool& existed) {
     using Mode = platform::OutputFile::Mode;
-    name_ = name;
-    encoding_ = encoding;
-    failed_ = false;
-    output_.reset();  // it may be the same file
-    const bool existed = platform::PathExists(name);
+    existed = platform::PathExists(name);
     const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
-    output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
+    auto file = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
+    if (!file) TellUnwritable(error);
+    return file;
+}
+
+void TellUnwritable(ErrorRecord& error) {
+    error.text.insert(0, u"Could not open file for writing: ");
+}
+
+bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
+    output_.reset();  // it may be the same file
+    if (!MakeEncoder(error, form, form.encoding)) return false;
+    bool existed = false;
+    auto file = OpenForWriting(error, name, append, existed);
+    return file && Begin(error, name, std::move(file), form, append && existed);
+}
+
+bool TextWriter::Begin(ErrorRecord& error, const String& name,
+                       std::unique_ptr<platform::OutputFile> file, const TextForm& form,
+                       bool goes_on) {
+    name_ = name;
+    failed_ = false;
+    if (!MakeEncoder(error, form, form.encoding)) return false;
+    output_ = std::move(file);
     // What is no regular file has no content to go on behind, and no mark of its own.
-    const bool behind_content = append && output_ && output_->IsRegular();
-    if (behind_content && existed) ContinueInOwnEncoding(marked ? Encoding::Ansi : encoding);
+    const bool behind_content = goes_on && output_->IsRegular();
+    if (behind_content) {
+        const Encoding own = OwnMark();
+        const bool keeps = own == Encoding::Ansi && form.keeps_encoding;
+        if (!keeps && !MakeEncoder(error, form, {own})) return false;
+    }
     std::uint64_t position = 0;
-    if (!output_ || (behind_content && !output_->SeekEnd(error, position))) {
-        error.text.insert(0, u"Could not open file for writing: ");
+    if (behind_content && !output_->SeekEnd(error, position)) {
+        TellUnwritable(error);
         output_.reset();
         return false;
     }
     began_empty_ = position == 0;
-    if (began_empty_ && marked) WriteByteOrderMark();
+    if (began_empty_ && form.marked) WriteByteOrderMark();
     return true;
 }
 
-void TextWriter::ContinueInOwnEncoding(Encoding unmarked) {
+bool TextWriter::MakeEncoder(ErrorRecord& error, const TextForm& form,
+                             const FileEncoding& encoding) {
+    encoding_ = encoding;
+    encoder_ = MakeTextEncoder(error, encoding, form.unmappable);
+    return encoder_ != nullptr;
+}
+
+// What the file's own mark declares; Ansi without one.
+Encoding TextWriter::OwnMark() {
     std::array<std::byte, 3> start{};
     std::size_t count = 0;
     ErrorRecord failure;
@@ -39,14 +70,13 @@ void TextWriter::ContinueInOwnEncoding(Encoding unmarked) {
         TellNotice(Format(u"dFile::CheckUnicode could not read the file [%d].\n", failure.code),
                    NoticeStream::Output);
     }
-    encoding_ = RecogniseByteOrderMark(std::span(start).first(count));
-    if (encoding_ == Encoding::Ansi) encoding_ = unmarked;
+    return RecogniseByteOrderMark(std::span(start).first(count));
 }
 
 // A mark that cannot be written is no failure: the first text will meet the same trouble.
 void TextWriter::WriteByteOrderMark() {
     ErrorRecord ignored;
-    output_->Write(ignored, ByteOrderMarkOf(encoding_));
+    output_->Write(ignored, ByteOrderMarkOf(encoding_.form));
 }
 
 bool TextWriter::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
@@ -55,10 +85,7 @@ bool TextWriter::Write(ErrorRecord& error, StringView text, std::size_t* written
         return false;
     }
     std::span<const std::byte> bytes;
-    if (!encoder_.Encode(text, encoding_, bytes)) {
-        error.text = kEncodingNotSupported;
-        return false;
-    }
+    if (!encoder_->Encode(error, text, bytes)) return false;
     if (written_size != nullptr) *written_size = bytes.size();
     return WriteBytes(error, bytes);
 }
@@ -69,6 +96,10 @@ bool TextWriter::WriteBytes(ErrorRecord& error, std::span<const std::byte> bytes
         return false;
     }
     return output_->Write(error, bytes) || Fail(error);
+}
+
+bool TextWriter::Flush(ErrorRecord& error) {
+    return !output_ || output_->Flush(error) || Fail(error);
 }
 
 bool TextWriter::Finish(ErrorRecord& error) {

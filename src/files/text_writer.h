@@ -7,33 +7,56 @@
 #include "base/error_record.h"
 #include "base/strings.h"
 #include "files/encoding.h"
+#include "files/text_encoder.h"
 #include "platform/file_system.h"
+
+// How the text of a file is written.
+struct TextForm {
+    FileEncoding encoding;
+    Unmappable unmappable = Unmappable::Cut;
+    bool marked =
+        true;  // a new file begins with the byte-order mark of its encoding, if it has one
+    // Appending: a file without a mark goes on in `encoding` instead of in Ansi, and an empty one
+    // is like a new one.
+    bool keeps_encoding = false;
+};
+// Opens a file for writing and creates it when missing. existed: whether it was there.
+// append: its content is kept; otherwise it is emptied.
+// Fails with "Could not open file for writing: " and the system's text; the code is kept.
+std::unique_ptr<platform::OutputFile> OpenForWriting(ErrorRecord& error, const String& name,
+                                                     bool append, bool& existed);
+// Puts those words before the system's text.
+void TellUnwritable(ErrorRecord& error);
 
 // Writes text to a file in one of the encodings. Each piece reaches the file whole or not at all.
 class TextWriter {
 public:
     // Opens a file for writing, creates it when missing, and writes the byte-order mark of
-    // `encoding`.
+    // its encoding where the form wants one.
     // append: go on at the end of an existing file, in the encoding that its own mark declares,
-    //         whatever is asked for; a file without a mark is continued as Ansi. A mark that cannot
-    //         be read counts as none, and a notice for standard output says
+    //         whatever is asked for; see TextForm::keeps_encoding for a file without one. A mark
+    //         that cannot be read counts as none, and a notice for standard output says
     //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code. A pipe,
     //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
-    // Fails with "Could not open file for writing: " and the system's text; the code is kept.
-    // marked: whether a new file begins with the mark. Without it a file that has none, and is
-    //         appended to, goes on in `encoding`.
-    bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append,
-              bool marked = true);
+    // Fails with "Could not open file for writing: " and the system's text, the code is kept; and
+    // as MakeTextEncoder does, before any file is touched.
+    bool Open(ErrorRecord& error, const String& name, const TextForm& form, bool append);
+    // The same with a file that has been opened.
+    // name: for messages. goes_on: it was there before and is appended to.
+    bool Begin(ErrorRecord& error, const String& name, std::unique_ptr<platform::OutputFile> file,
+               const TextForm& form, bool goes_on);
     bool IsOpen() const { return output_ != nullptr; }
+    // What the text is written in: after an append, what the file's own mark declares.
+    const FileEncoding& CurrentEncoding() const { return encoding_; }
+
     // Whether the file held nothing when it was opened.
     bool BeganEmpty() const { return began_empty_; }
-    // What the text is written in: after an append, what the file's own mark declares.
-    Encoding CurrentEncoding() const { return encoding_; }
+    // Characters replaced since Open, see TextEncoder.
+    std::uint64_t Replaced() const { return encoder_ ? encoder_->Replaced() : 0; }
 
     // Converts `text` and writes it in one call. written_size: bytes produced, also on failure of
     // the write itself.
-    // Fails with "File is not opened yet.", with "Encoding is not supported yet" for UTF-16
-    // big-endian, and as WriteBytes does.
+    // Fails with "File is not opened yet.", as TextEncoder::Encode does, and as WriteBytes does.
     bool Write(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
 
     // Writes bytes as they are.
@@ -43,19 +66,22 @@ public:
     // True once bytes did not reach the file.
     bool Failed() const { return failed_; }
 
+    // Hands on what the file has gathered; fails as WriteBytes does.
+    bool Flush(ErrorRecord& error);
     // Closes the file, if one is open. Fails with the text of WriteBytes when the system tells only
     // now that data did not arrive.
     bool Finish(ErrorRecord& error);
 
 private:
-    void ContinueInOwnEncoding(Encoding unmarked);
+    bool MakeEncoder(ErrorRecord& error, const TextForm& form, const FileEncoding& encoding);
+    Encoding OwnMark();
     void WriteByteOrderMark();
     bool Fail(ErrorRecord& error);
 
     String name_;
-    Encoding encoding_ = Encoding::Ansi;
+    FileEncoding encoding_;
     bool failed_ = false;
     bool began_empty_ = true;
     std::unique_ptr<platform::OutputFile> output_;
-    PlainTextEncoder encoder_;
+    std::unique_ptr<TextEncoder> encoder_;
 };

@@ -60,6 +60,9 @@ public:
     virtual std::uint64_t Skipped() const { return 0; }
     virtual std::uint64_t Rejected() const { return 0; }
 
+    // Characters that were none, and became U+FFFD.
+    virtual std::uint64_t ReplacedCharacters() const { return 0; }
+
     // The file that is being read; empty for what is none.
     virtual String InputFile() const { return {}; }
     // The line of that file, from 1, where the latest row began; 0 without one.

@@ -15,6 +15,7 @@
 #include "platform/clock.h"
 #include "providers/data_provider.h"
 #include "run/progress_line.h"
+#include "run/run_report.h"
 #include "run/step_place.h"
 #include "transformers/data_transformer.h"
 
@@ -42,6 +43,9 @@ public:
     // Runs the step whole and writes its statistics. False when it failed as a whole; the failure
     // has then been written through the logger.
     bool Run(String& error);
+
+    // Notes what has been moved, after Run.
+    void Describe(StepReport& report) const;
 
 private:
     void ReadSettings();
@@ -86,9 +90,11 @@ private:
     std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
     std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
     std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
+    String failure_;            // the last one that was reported
     StepRole at_work_;          // for the message of a failure
     String measuring_failure_;  // what ended the reading that measured widths, if it failed
     bool failed_ = false;       // reading or going on has failed the step
     std::uint64_t rows_read_ = 0;
     std::uint64_t items_ = 0;
+    std::uint64_t left_out_ = 0;  // rows that a transformer wished away
 };

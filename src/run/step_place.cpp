@@ -52,6 +52,12 @@ String RoleOf(const StepRole& role) {
 
 }  // namespace
 
+String NameOfSection(Configuration& configuration, Section section) {
+    const Key type = section == Section::System ? kCommand : kType;
+    const KeyOwner* owner = FindOwner(section, configuration.Text(section, type));
+    return owner == nullptr ? String() : NameOfOwner(configuration, *owner);
+}
+
 String FailurePrefix(Configuration& configuration, const StepRole& role) {
     const std::size_t index = configuration.CurrentStep();
     String prefix = Format(u"Step %u", index + 1);
@@ -63,10 +69,8 @@ String FailurePrefix(Configuration& configuration, const StepRole& role) {
     const Key type = role.section == Section::System ? kCommand : kType;
     const String word = configuration.Text(role.section, type);
     if (!word.empty()) prefix += u" " + word;
-    if (const KeyOwner* owner = FindOwner(role.section, word)) {
-        const String name = NameOfOwner(configuration, *owner);
-        if (!name.empty()) prefix += Format(u" '%s'", name);
-    }
+    const String name = NameOfSection(configuration, role.section);
+    if (!name.empty()) prefix += Format(u" '%s'", name);
     if (role.row != 0) prefix += Format(u", row %u", role.row);
     if (role.line != 0) prefix += Format(u", line %u", role.line);
     return prefix + u": ";

@@ -90,15 +90,33 @@ constexpr KeyTable kWriteFileKeys({
      .kind = KeyKind::Word,
      .words = kEncodingWords,
      .edition1 = u"ANSI",
-     .edition2 = u"ANSI",
-     .meaning = u"of a new file",
+     .edition2 = u"UTF8",
+     .meaning = u"the encoding of the file",
      .macros = Macros::Replaced,
      .loose_words = kLooseEncodingWords},
+    {.name = u"Bom",
+     .kind = KeyKind::Flag,
+     .edition1 = u"1",
+     .edition2 = u"0",
+     .meaning = u"a new file begins with its byte-order mark",
+     .macros = Macros::Replaced,
+     .since = Since::Later,
+     .defaults = kMarkDefaults},
+    {.name = u"Unmappable",
+     .kind = KeyKind::Word,
+     .words = kUnmappableWords,
+     .edition1 = u"Cut",
+     .edition2 = u"Stop",
+     .meaning = u"what becomes of a character that the encoding lacks",
+     .macros = Macros::Replaced,
+     .since = Since::Later},
 });
 constexpr Key kWrittenFile = kWriteFileKeys[u"File"];
 constexpr Key kWrittenText = kWriteFileKeys[u"Text"];
 constexpr Key kWriteOverwrite = kWriteFileKeys[u"Overwrite"];
-constexpr Key kWriteEncoding = kWriteFileKeys[u"Encoding"];
+constexpr TextFormKeys kWrittenForm{.encoding = kWriteFileKeys[u"Encoding"],
+                                    .mark = kWriteFileKeys[u"Bom"],
+                                    .unmappable = kWriteFileKeys[u"Unmappable"]};
 
 bool IsTooLong(const String& name) { return name.size() > kLongestFolderName; }
 
@@ -240,14 +258,14 @@ bool WriteFileCommand(String& error, const SectionSettings& settings) {
     const String name = settings.Text(kWrittenFile);
     const String text = settings.Text(kWrittenText);
     const bool overwrite = settings.Flag(kWriteOverwrite);
-    const Encoding encoding = ReadEncoding(settings, kWriteEncoding);
+    const TextForm form = ReadTextForm(settings, kWrittenForm);
     if (name.empty() || text.empty()) {
         return Refuse(error, u"Write File: ", u"file name or text is empty.");
     }
     ErrorRecord reason;
     dFile file;
-    const bool written = file.Open(reason, name, encoding, !overwrite) &&
-                         file.Write(reason, text) && file.Write(reason, u"\r\n");
+    const bool written = file.Open(reason, name, form, !overwrite) && file.Write(reason, text) &&
+                         file.Write(reason, u"\r\n");
     file.Close();
     return Report(error, written, {}, reason);
 }

@@ -61,26 +61,35 @@ TEST(Configuration, ReadsValuesByTheEdition) {
     };
     for (const Case& c : {
              Case{"defaults", {}, "1 0 0 d 0", "1 1 1 e 2048"},
-             Case{"empty values", {{u"Global", u""}, {u"Old", u""}, {u"New", u""}, {u"Room", u""}},
-                  "0 9 0 d 0", "1 1 1 e 2048"},
-             Case{"words in other letters", {{u"Old", u"two"}, {u"New", u"tWO"}}, "1 9 1 d 0",
+             Case{"empty values",
+                  {{u"Global", u""}, {u"Old", u""}, {u"New", u""}, {u"Room", u""}},
+                  "0 9 0 d 0",
                   "1 1 1 e 2048"},
-             Case{"numbered words", {{u"Old", u"CP932"}, {u"New", u"cp1252"}}, "1 9 2 d 0",
+             Case{"words in other letters",
+                  {{u"Old", u"two"}, {u"New", u"tWO"}},
+                  "1 9 1 d 0",
+                  "1 1 1 e 2048"},
+             Case{"numbered words",
+                  {{u"Old", u"CP932"}, {u"New", u"cp1252"}},
+                  "1 9 2 d 0",
                   "1 2 2 e 2048"},
-             Case{"quotes and words of truth", {{u"Global", u"\"ON\""}, {u"Old", u"\"Two\""}},
-                  "0 1 0 d 0", "1 1 1 e 2048"},
+             Case{"quotes and words of truth",
+                  {{u"Global", u"\"ON\""}, {u"Old", u"\"Two\""}},
+                  "0 1 0 d 0",
+                  "1 1 1 e 2048"},
              Case{"macros", {{u"Old", u"$M$"}}, "1 9 0 d 0", "1 0 1 e 2048"},
-             Case{"a key that edition 1 does not know", {{u"Unheard", u"x"}, {u"Room", u"3k"}},
-                  "1 0 0 d 3072", "1 1 1 x 3072"},
+             Case{"a key that edition 1 does not know",
+                  {{u"Unheard", u"x"}, {u"Room", u"3k"}},
+                  "1 0 0 d 3072",
+                  "1 1 1 x 3072"},
          }) {
         for (const std::string edition : {"1", "2"}) {
             OneStep job(platform::SystemClock(), "Edition=" + edition + "\n");
             job.Job().ParseCommandLine({u"$M$=One"});
             const SectionSettings read = job.With(Section::Target, c.settings);
-            const String values = Format(
-                u"%d %d %d %s %I64u", read.Flag(kKeys[u"Global"]), read.Word(kKeys[u"Old"], 9),
-                read.Word(kKeys[u"New"], 9), read.Text(kKeys[u"Unheard"]),
-                read.Size(kKeys[u"Room"]));
+            const String values = Format(u"%d %d %d %s %I64u", read.Flag(kKeys[u"Global"]),
+                                         read.Word(kKeys[u"Old"], 9), read.Word(kKeys[u"New"], 9),
+                                         read.Text(kKeys[u"Unheard"]), read.Size(kKeys[u"Room"]));
             EXPECT_EQ(ToUtf8(values), edition == "1" ? c.edition1 : c.edition2) << c.name;
         }
     }

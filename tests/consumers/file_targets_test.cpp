@@ -49,6 +49,7 @@ TEST_F(FileTarget, WritesNothingAfterAFileThatCannotBeOpened) {
         step_.Job().Step(0).List(Section::Target).Set(u"Name", folder_.Path("missing/t2.out"));
         EXPECT_FALSE(target_->NextResultSet(error_, settings));
         EXPECT_TRUE(error_.starts_with(u"Could not open file for writing: ")) << ToUtf8(error_);
+        error_.clear();
         EXPECT_FALSE(target_->Write(error_, rows_));
         EXPECT_EQ(ToUtf8(error_), type == u"JSONFile" ? "" : "File is not opened yet.");
     }

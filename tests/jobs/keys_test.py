@@ -43,6 +43,39 @@ class Keys(Scene):
                 self.assert_ends(
                     run(folder, f"-config={job.name}", "-check", "-silent", *given, *lines))
 
+    def test_switches(self):
+        step = "Step\nSystem\nCommand=WriteFile\nText=x\nFile="
+        self.write("job.qpr", f"Globals\nEdition=2\n{step}1\n{step}2\n{step}3\n")
+        names = {"1", "2", "3"}
+        no_steps = "'{}' names no steps of this job, which has 3.\n"
+        for arguments, status, said, made in (
+                (["-only=2"], 0, "", {"2"}), (["-only=3, 1-2"], 0, "", names),
+                (["-from=2"], 0, "", {"2", "3"}), (["-only=0"], 4, no_steps.format(0), set()),
+                (["-only=2-4"], 4, no_steps.format("2-4"), set()),
+                (["-only=2-1"], 4, no_steps.format("2-1"), set()),
+                (["-from=4"], 4, no_steps.format(4), set()),
+                (["-from=x"], 4, "'x' is no value of '-from'. It takes a whole number.\n",
+                 set()),
+                (["-only=1", "-from=1"], 4, "'-only' and '-from' exclude each other.\n", set()),
+                (["-onyl=1"], 4, "'-onyl' is not a switch. Did you mean '-only'?\n", set()),
+                (["-Edition=1", "-onyl=1"], 0, "", names),
+                (["-Edition=3"], 2, "Edition '3' is not known. Known are 1 and 2.\n", set()),
+                (["-check"], 0, "", set())):
+            with self.subTest(arguments):
+                ended = run(self.path, "-config=job.qpr", "-silent", *arguments)
+                there = {path.name for path in self.path.iterdir()} & names
+                told = (ended.output + ended.errors).decode().replace("\r\n", "\n")
+                self.assertEqual((ended.status, told, there), (status, said, made))
+                for name in there:
+                    (self.path / name).unlink()
+        for arguments, status, start in (
+                (["-version"], 0, b"Quillon 1."), (["-help", "-silent"], 0, b"quillon [SWITCH"),
+                (["-help=jsonfile"], 0, b"Target JSONFile\n"),
+                (["-help=TextFil"], 4, b"There is no help on 'TextFil'. Did you mean 'TextFile'?")):
+            ended = run(self.path, *arguments)
+            self.assertEqual(ended.status, status)
+            self.assertTrue((ended.output + ended.errors).startswith(start), arguments)
+
     def test_completion_offers_switches_and_words(self):
         script = (ROOT / "completion/quillon.bash").read_text()
         for typed, offered in (("-che", "-check -check=connect"), ("-help=JSON", "JSONFile"),

@@ -144,6 +144,11 @@ class Robustness(Scene):
                          b"Could not open file for writing: Permission denied\n")
         self.assertEqual((self.path / "out.txt").read_bytes(), b"kept")
 
+    def test_closed_standard_output_refuses_data(self):
+        closed = {"preexec_fn": lambda: os.close(1)}
+        self.assertEqual(self.run_job(COPY.format("in.txt", "CONSOLE"), **closed).status, 2)
+        self.assertEqual(self.run_job(COPY.format("in.txt", "out.txt"), **closed).status, 0)
+
     def test_output_that_nobody_reads_ends_the_run_quietly(self):
         self.write("in.txt", "a\n" + "123456789\n" * 200_000)
         self.write("job.qpr", COPY.format("in.txt", "CONSOLE"))

@@ -11,12 +11,15 @@ A job folder holds:
   expected_missing  names that must not be there afterwards, one a line
   expected_scratch  names of other files that the run may make or change, one a line, with "*"
   expected_stdout   what standard output must be
-  expected_stderr   what standard error must be; nothing without the file
+  expected_stderr   what standard error must be, carriage returns left out; nothing without
+                    the file
   expected_status   the exit status; 0 without the file
+A job of edition 2 also writes its report, which must add up.
 The run may make, change and remove nothing else. Where the two systems differ, NAME.windows stands
 in for NAME under --windows.
 """
 import fnmatch
+import json
 import pathlib
 import shutil
 import subprocess
@@ -25,6 +28,8 @@ import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
 import program  # noqa: E402
+
+SCHEMA = pathlib.Path(__file__).resolve().parent.parent.parent / "docs/run-report.schema.json"
 
 
 class Folder:
@@ -78,18 +83,38 @@ def file_faults(job, before, after):
     return faults
 
 
+def report_faults(path, status):
+    """A report has the members that its schema requires, and its counts add up."""
+    report = json.loads(path.read_text())
+    schema = json.loads(SCHEMA.read_text())
+    faults = [] if report.keys() == schema["properties"].keys() else ["report: members"]
+    if report["status"] != status:
+        faults.append(f"report: status {report['status']} of {status}")
+    for step in report["steps"]:
+        counts = [step["rows_" + count] for count in ("read", "written", "skipped", "rejected")]
+        if (step.keys() != schema["$defs"]["step"]["properties"].keys() or
+                counts[0] != sum(counts[1:]) or (step["status"] == "failed") != bool(step["error"])):
+            faults.append(f"report: step {step}")
+    return faults
+
+
 def run(job, work):
     shutil.copytree(job.path, work, ignore=shutil.ignore_patterns("expected*"))
     if (job.path / "setup.sql").exists():
         subprocess.run(["sqlite3", "data.db"], cwd=work, input=job.read("setup.sql"), check=True)
     before = content(work)
     environment = dict(line.split("=", 1) for line in job.lines("environment"))
-    ended = program.run(work, "-config=job.qpr", *job.lines("args"), environment=environment,
+    report = work.parent / "report.json"
+    edition2 = b"Edition=2" in job.read("job.qpr")
+    arguments = job.lines("args") + ([f"-report={report}"] if edition2 else [])
+    ended = program.run(work, "-config=job.qpr", *arguments, environment=environment,
                         input=job.read("stdin"))
     faults = difference("exit status", job.read("expected_status", b"0").strip(),
                         str(ended.status).encode())
     faults += difference("standard output", job.read("expected_stdout", None), ended.output)
-    faults += difference("standard error", job.read("expected_stderr"), ended.errors)
+    faults += difference("standard error", job.read("expected_stderr").replace(b"\r", b""),
+                         ended.errors.replace(b"\r", b""))
+    faults += report_faults(report, ended.status) if edition2 else []
     return faults + file_faults(job, before, content(work))
 
 

@@ -8,3 +8,5 @@ insert into "odd:*" values ('two' || char(13, 10) || 'lines' || char(10), '😀 
 create table none (id integer, name varchar(9));
 create table more (no integer);
 insert into more values (5);
+create table lacking ("é_x0041_" varchar(9));
+insert into lacking values ('é😀' || char(0x85, 0x9f));
