@@ -90,8 +90,7 @@ bool FileTarget::Open(String& error, const SectionSettings& settings) {
 // What replaces a file has arrived or fails the step, whatever else is only told of.
 void FileTarget::ReadPolicies(const SectionSettings& settings) {
     append_ = !settings.Flag(format_.overwrite);
-    form_ = ReadTextForm(settings,
-                         {.encoding = format_.encoding, .mark = kBom, .unmappable = kUnmappable});
+    form_ = TextFormOf(settings);
     marks_console_ = settings.IsSet(kBom) && form_.marked;
     any_console_word_ = settings.Follows(Rule::ConsoleIsForAll);
     const OnFailure on_failure = settings.Word(kOnFailure, OnFailure::Keep);
@@ -101,6 +100,13 @@ void FileTarget::ReadPolicies(const SectionSettings& settings) {
     sink_policy_ = {by_error ? LossTold::ByError : LossTold::ByNotice,
                     static_cast<std::size_t>(settings.Size(kWriteBuffer))};
 }
+
+TextForm FileTarget::TextFormOf(const SectionSettings& settings) const {
+    return ReadTextForm(settings,
+                        {.encoding = format_.encoding, .mark = kBom, .unmappable = kUnmappable});
+}
+
+bool FileTarget::SetsMark(const SectionSettings& settings) { return settings.IsSet(kBom); }
 
 // Found out before any file is touched.
 bool FileTarget::EncodingIsKnown(String& error) const {
@@ -150,6 +156,11 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     if (!file) return false;
     sink_ = OpenFileSink(error, name, std::move(file), form_, goes_on_, sink_policy_);
     if (sink_ == nullptr) return false;
+    if (!CanGoOn() && !sink_->BeganEmpty()) {
+        error =
+            Format(u"The file '%s' holds something, and a document cannot be appended to.", name);
+        return false;
+    }
     written_files_.push_back({name});
     if (form_.keeps_encoding) goes_on_ = !sink_->BeganEmpty();
     return BeginFile(error);

@@ -56,7 +56,12 @@ public:
 protected:
     // Reads the format's own settings. No file is open yet.
     virtual bool ReadSettings(String& error, const SectionSettings& settings);
-    // A file has been opened; see FileExisted.
+    // How the text of new files is written: by the keys. Asked once, before ReadSettings.
+    virtual TextForm TextFormOf(const SectionSettings& settings) const;
+    // Whether a file that holds something can go on; otherwise opening it for that fails with "The
+    // file '%s' holds something, and a document cannot be appended to."
+    virtual bool CanGoOn() const { return true; }
+    // A file has been opened; see GoesOn.
     virtual bool BeginFile(String& error);
     // Writes what ends a file.
     virtual bool EndFile(String& error) = 0;
@@ -69,6 +74,10 @@ protected:
     bool FileIsOpen() const { return sink_ != nullptr; }
     // True when the open file was there before and goes on.
     bool GoesOn() const { return goes_on_; }
+    // What TextFormOf has said.
+    const TextForm& FormOfText() const { return form_; }
+    // Whether the job says if new files begin with a mark.
+    static bool SetsMark(const SectionSettings& settings);
     // True once in each result set: what was put together from the columns must be made anew.
     bool TakeNewColumns() { return std::exchange(columns_are_new_, false); }
     // Writes a piece of text in one call; its bytes count.
