@@ -81,8 +81,9 @@ Cell CellOf(ColumnKind kind, StringView text, String& cell) {
 // The first `count` units, less half a character at the end.
 String Cut(String text, std::size_t count) {
     if (text.size() <= count) return text;
+    const StringView whole = text;
     std::size_t units = 1;
-    if (count > 0 && CharacterAt(StringView(text).substr(count - 1), units) > 0xFFFF) --count;
+    if (count > 0 && CharacterAt(whole.substr(count - 1), units) > 0xFFFF) --count;
     text.resize(count);
     return text;
 }
