@@ -140,10 +140,10 @@ private:
         for (std::size_t i = 0; i < wide_.size(); ++i) {
             if (wide_[i] == u'"') inside = !inside;
             if (wide_[i] != u',' || inside) continue;
-            fields_.push_back(std::u16string_view(wide_).substr(start, i - start));
+            fields_.push_back(std::u16string_view{wide_}.substr(start, i - start));
             start = i + 1;
         }
-        fields_.push_back(std::u16string_view(wide_).substr(start));
+        fields_.push_back(std::u16string_view{wide_}.substr(start));
     }
 
     const int output_;

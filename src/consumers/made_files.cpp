@@ -119,7 +119,8 @@ std::unique_ptr<OutputFile> MadeFiles::OpenNew(String& error, const String& name
         error = RefusalText(part ? Replacement::Refusal::NoPart : refusal, reason, name);
         return nullptr;
     }
-    latest_ = &parts_.emplace_back(name, std::move(part));
+    parts_.push_back({name, std::move(part)});
+    latest_ = &parts_.back();
     return file;
 }
 
