@@ -27,12 +27,11 @@ show() {
 
 echo
 echo "---- quillon -config=job.qpr"
-"$quillon" -config=job.qpr >run.txt || { tail -n 20 run.txt; exit 1; }
-# The third step writes its rows to the console, between the messages of the run.
-sed -n '1,12p' run.txt
+# The third step writes its rows to standard output, messages go to standard error.
+"$quillon" -config=job.qpr >rows.txt
+sed -n '1,4p' rows.txt
 echo "..."
-tail -n 2 run.txt
-show orders.txt
+show orders.csv
 show orders-fixed.txt
 
 echo
@@ -42,3 +41,10 @@ echo "---- the same query by switches alone"
     -Query="select city, count(*) as orders, round(sum(total), 2) as total from orders group by city" \
     -Output=cities.txt
 show cities.txt
+
+echo
+echo "---- a job with two mistakes, quillon -config=wrong.qpr -check"
+sed 's/^FixedWidth=1/FixdWidth=yess\nHeader=yess/' job.qpr >wrong.qpr
+status=0
+"$quillon" -config=wrong.qpr -check -silent || status=$?
+echo "exit status $status"

@@ -1,6 +1,8 @@
 // What the machine and the ODBC drivers allow, to hold the program's times against:
 //
 //   bench_limits lines INPUT OUTPUT           read in 16 MiB chunks, one write call a line
+//   bench_limits split INPUT OUTPUT           the same in 1 MiB pieces, each line split at commas
+//                                             outside quotes through UTF-16
 //   bench_limits odbc CONNECT QUERY OUTPUT    bare SQLFetch and SQLGetData, one write call a row
 //
 // "-" stands for standard input and standard output. The elapsed seconds go to standard error.
@@ -96,6 +98,81 @@ void CopyLines(int input, int output) {
     Write(output, cut_line.data(), cut_line.size());
 }
 
+// ---- Splitting ----
+
+// Cuts lines at commas outside quotes and joins them again with commas, in UTF-16 between bytes and
+// bytes. Output is gathered.
+class SplittingCopy {
+public:
+    explicit SplittingCopy(int output) : output_(output) {}
+
+    void Line(std::string_view line) {
+        wide_.resize(line.size());
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            wide_[i] = static_cast<unsigned char>(line[i]);
+        }
+        Split();
+        joined_.clear();
+        for (std::size_t i = 0; i < fields_.size(); ++i) {
+            if (i > 0) joined_.push_back(u',');
+            joined_.append(fields_[i]);
+        }
+        const std::size_t start = gathered_.size();
+        gathered_.resize(start + joined_.size());
+        for (std::size_t i = 0; i < joined_.size(); ++i) {
+            gathered_[start + i] = static_cast<char>(joined_[i] & 0xFF);
+        }
+        gathered_ += "\r\n";
+        if (gathered_.size() >= kGatheredBytes) Flush();
+    }
+    void Flush() {
+        Write(output_, gathered_.data(), gathered_.size());
+        gathered_.clear();
+    }
+
+private:
+    static constexpr std::size_t kGatheredBytes = 1'048'576;
+
+    void Split() {
+        fields_.clear();
+        bool inside = false;
+        std::size_t start = 0;
+        for (std::size_t i = 0; i < wide_.size(); ++i) {
+            if (wide_[i] == u'"') inside = !inside;
+            if (wide_[i] != u',' || inside) continue;
+            fields_.push_back(std::u16string_view(wide_).substr(start, i - start));
+            start = i + 1;
+        }
+        fields_.push_back(std::u16string_view(wide_).substr(start));
+    }
+
+    const int output_;
+    std::u16string wide_;
+    std::u16string joined_;
+    std::vector<std::u16string_view> fields_;
+    std::string gathered_;
+};
+
+void SplitLines(int input, int output) {
+    std::vector<char> chunk(kChunkBytes);
+    SplittingCopy copy(output);
+    std::string cut_line;
+    while (const std::size_t filled = Read(input, chunk.data(), chunk.size())) {
+        std::string_view rest(chunk.data(), filled);
+        for (;;) {
+            const std::size_t end = rest.find('\n');
+            cut_line.append(rest.substr(0, end));
+            if (end == std::string_view::npos) break;
+            if (cut_line.ends_with('\r')) cut_line.pop_back();
+            copy.Line(cut_line);
+            cut_line.clear();
+            rest.remove_prefix(end + 1);
+        }
+    }
+    if (!cut_line.empty()) copy.Line(cut_line);
+    copy.Flush();
+}
+
 // ---- ODBC ----
 
 // Connect string and query are taken one character a byte, which is enough for plain ASCII.
@@ -183,10 +260,14 @@ int main(int argc, char** argv) {
     const auto start = std::chrono::steady_clock::now();
     if (mode == "lines" && argc == 4) {
         CopyLines(OpenInput(argv[2]), OpenOutput(argv[3]));
+    } else if (mode == "split" && argc == 4) {
+        SplitLines(OpenInput(argv[2]), OpenOutput(argv[3]));
     } else if (mode == "odbc" && argc == 5) {
         CopyQuery(argv[2], argv[3], OpenOutput(argv[4]));
     } else {
-        Fail("usage: bench_limits lines INPUT OUTPUT | odbc CONNECT QUERY OUTPUT");
+        Fail(
+            "usage: bench_limits lines INPUT OUTPUT | split INPUT OUTPUT | odbc CONNECT QUERY "
+            "OUTPUT");
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     std::fprintf(stderr, "%.3f s\n", elapsed.count());

@@ -1,5 +1,5 @@
 // Any bytes as a delimited text file; the first byte chooses the layout.
-#include "config/configuration.h"
+#include "config/section_settings.h"
 #include "core/row_set.h"
 #include "memory_file.h"
 #include "providers/text_file.h"
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     String error;
     configuration.ParseCommandLine({u"-Type=DatabaseQueryToTextFile"});
     configuration.AdditonalCmdLine(error, 0);  // makes a step to hold the settings
-    const SectionSettings settings(configuration, Section::Source);
+    ParameterSet& settings = configuration.Step(0).List(Section::Source);
     settings.Set(u"Name", file.Name());
     settings.Set(u"Delimiter", kDelimiters[layout % 4]);
     settings.Set(u"Header", layout & 4 ? u"1" : u"0");
@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     DataProviders::TextFile source;
     RowSet rows;
-    if (!source.Open(error, settings, rows)) return 0;
+    if (!source.Open(error, {configuration, Section::Source}, rows)) return 0;
     while (source.Fetch(error, rows, false)) {
     }
     source.Close();

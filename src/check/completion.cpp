@@ -16,7 +16,7 @@ String Candidates(StringView quote, StringView separator) {
     const auto add = [&](const String& candidate) {
         all.append(all.empty() ? u"" : separator).append(quote).append(candidate).append(quote);
     };
-    for (const KeySpec& key : KeySpan(kSwitches)) {
+    for (const KeySpec& key : kSwitches) {
         const String name(key.name);
         if (key.kind == KeyKind::Flag) {
             add(name);

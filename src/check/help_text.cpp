@@ -31,7 +31,7 @@ constexpr Section kSections[] = {Section::Globals, Section::Settings,  Section::
 void AppendKey(String& help, const KeySpec& key) {
     help += Format(u"  %s  (%s)\n      %s\n", key.name, ShownValues(key), key.meaning);
     const auto add_default = [&](StringView label, StringView value) {
-        const String shown = ShownDefault(key, value);
+        const String shown = ShownDefault(key, value, {});
         if (!shown.empty()) help += Format(u"      %s: %s\n", label, shown);
     };
     if (key.edition1 == key.edition2 || !key.defaults.empty()) {
@@ -62,7 +62,7 @@ String WordsOf(Section section) {
 String Usage() {
     String usage(kUsage);
     usage += u'\n';
-    for (const KeySpec& key : KeySpan(kSwitches)) {
+    for (const KeySpec& key : kSwitches) {
         String name(key.name);
         name.resize(std::max(name.size(), kNameWidth), u' ');
         usage += Format(u"  %s %s\n", name, key.meaning);

@@ -63,6 +63,17 @@ String Taken(const KeySpec& key) {
     return taken;
 }
 
+String NoValue(const KeySpec& key, StringView value) {
+    const StringView nearest = NearestName(value, key_values::Words(key));
+    return Format(u"'%s' is no value of '%s'.", value, key.name) +
+           (nearest.empty() ? Format(u" It takes %s.", Taken(key)) : DidYouMean(nearest));
+}
+
+bool RefusesUnknown(const Configuration& configuration) {
+    return configuration.Word(Section::Globals, kUnknownKeys) ==
+           static_cast<std::size_t>(UnknownKeys::Refuse);
+}
+
 bool IsLess(const Finding& left, const Finding& right) {
     if (left.place.file != right.place.file) return left.place.file < right.place.file;
     return left.place.line < right.place.line;
@@ -73,10 +84,9 @@ public:
     JobChecker(Configuration& configuration, CheckDepth depth)
         : configuration_(configuration),
           whole_(depth == CheckDepth::Whole),
-          refuses_unknown_(configuration.Word(Section::Globals, kUnknownKeys) ==
-                           static_cast<std::size_t>(UnknownKeys::Refuse)),
-          refuses_macros_(configuration.Word(Section::Globals, kUnresolvedMacros) ==
-                          static_cast<std::size_t>(UnresolvedMacros::Refuse)) {}
+          refuses_unknown_(RefusesUnknown(configuration)),
+          refuses_macros_(configuration.Word(Section::Globals, kUnresolvedMacros) !=
+                          static_cast<std::size_t>(UnresolvedMacros::Keep)) {}
 
     std::vector<Finding> Run() {
         CheckRepetitions();
@@ -118,7 +128,8 @@ private:
             if (const KeySpec* key = FindKey(kGlobalsKeys, element.name)) {
                 CheckValue(*key, element);
             } else if (!IsKeyOfAnySection(element.name)) {
-                AddUnknown(element, NameOf(Section::Globals), NearestOfAll(element.name));
+                AddUnknown(Section::Globals, element, NameOf(Section::Globals),
+                           NearestOfAll(element.name));
             }
         }
     }
@@ -139,21 +150,23 @@ private:
         return NearestName(name, names);
     }
 
-    void AddUnknown(const Element& element, StringView owner, StringView nearest) {
+    void AddUnknown(Section section, const Element& element, StringView owner, StringView nearest) {
         String text = Format(u"'%s' is not a key of %s.", element.name, owner);
         if (!nearest.empty()) {
             text += DidYouMean(nearest);
-        } else if (const String other = OtherOwner(element.name); !other.empty()) {
+        } else if (const String other = OtherOwner(section, element.name); !other.empty()) {
             text += Format(u" It is a key of %s.", other);
         }
         Add(element.place, refuses_unknown_, std::move(text));
     }
 
-    // Whose key a name is: a whole section's where several of its kinds have it.
-    static String OtherOwner(StringView name) {
+    // Whose key a name is: the first kind that has it in the same section, a whole other section
+    // where several of its kinds have it.
+    static String OtherOwner(Section section, StringView name) {
         const KeyOwner* found = nullptr;
         for (const KeyOwner& owner : KeyOwners()) {
             if (owner.section == Section::CommandLine || !FindKey(owner.keys, name)) continue;
+            if (owner.section == section) return NameOf(owner);
             if (found == nullptr) {
                 found = &owner;
             } else if (found->section == owner.section) {
@@ -167,6 +180,8 @@ private:
 
     void CheckStep(std::size_t index) {
         configuration_.SetCurrentStep(index);
+        String told_by_the_step;
+        configuration_.AdditonalCmdLine(told_by_the_step, index);
         ConfigurationStep& step = configuration_.Step(index);
         step_ = &step;
         CheckSection(Section::Settings, FindOwner(Section::Settings, {}));
@@ -244,9 +259,11 @@ private:
                                 : PlaceOf(step_->List(section, index));
         String text(pattern);
         text::ReplaceAll(text, u"%s", word);
+        const String advice = DidYouMean(NearestName(word, WordsOf(section)));
+        if (!advice.empty() && !text.ends_with(u'.')) text += u'.';
         // A type that nobody knows is refused by its step in any case.
         const bool refused = refuses_unknown_ || whole_;
-        Add(place, refused, text + DidYouMean(NearestName(word, WordsOf(section))));
+        Add(place, refused, text + advice);
     }
 
     Place PlaceOf(const ParameterSet& set) const {
@@ -256,14 +273,17 @@ private:
     // owner: null where the type is not known; then all keys of the section's kinds count.
     void CheckSection(Section section, const KeyOwner* owner, std::size_t index = 0) {
         const ParameterSet& set = step_->List(section, index);
+        const String name = owner != nullptr ? NameOf(*owner) : String(NameOf(section));
         for (std::size_t i = 0; i < set.Size(); ++i) {
             const Element& element = set.At(i);
             const KeySpec* key = owner != nullptr ? FindKey(owner->keys, element.name)
                                                   : FindInSection(section, element.name);
-            if (key == nullptr || !configuration_.Knows(*key)) {
+            if (key != nullptr && !configuration_.Knows(*key)) {
+                Add(element.place, false,
+                    Format(u"'%s' of %s has no effect in edition 1.", element.name, name));
+            } else if (key == nullptr) {
                 const KeyList keys = owner != nullptr ? owner->keys : KeyList{};
-                AddUnknown(element, owner != nullptr ? NameOf(*owner) : String(NameOf(section)),
-                           NearestName(element.name, NamesOf(keys)));
+                AddUnknown(section, element, name, NearestName(element.name, NamesOf(keys)));
             }
         }
         if (owner == nullptr) return;
@@ -299,10 +319,7 @@ private:
     void CheckValue(const KeySpec& key, const Element& element) {
         const String value = ValueOf(key, element);
         if (key_values::IsValid(key, value)) return;
-        const StringView nearest = NearestName(value, key_values::Words(key));
-        String text = Format(u"'%s' is no value of '%s'.", value, key.name);
-        text += nearest.empty() ? Format(u" It takes %s.", Taken(key)) : DidYouMean(nearest);
-        Add(element.place, configuration_.IsStrict(key), std::move(text));
+        Add(element.place, configuration_.IsStrict(key), NoValue(key, value));
     }
 
     // ---- Macros ----
@@ -358,9 +375,21 @@ private:
         for (const KeySpan span : owner.keys) {
             for (const KeySpec& key : span) {
                 if (key.needed.empty() || !met.insert(key.needed).second) continue;
-                AddFault(place, Format(u"'%s' is missing in %s.", key.name, NameOf(owner)));
+                AddFault(place, Format(u"%s is missing in %s.", NamesOfGroup(owner, key.needed),
+                                       NameOf(owner)));
             }
         }
+    }
+
+    static String NamesOfGroup(const KeyOwner& owner, StringView group) {
+        String names;
+        for (const KeySpan span : owner.keys) {
+            for (const KeySpec& key : span) {
+                if (key.needed != group) continue;
+                names += Format(u"%s'%s'", names.empty() ? u"" : u" or ", key.name);
+            }
+        }
+        return names;
     }
 
     void CheckPath(Section section, const KeyOwner& owner, const KeySpec& key,
@@ -387,7 +416,9 @@ private:
         for (const KeySpan span : owner->keys) {
             for (const KeySpec& key : span) {
                 const Element* element = configuration_.Find(section, key);
-                if (key.names == Names::File && element != nullptr) {
+                const bool made = key.names == Names::File || key.names == Names::FileAside ||
+                                  key.names == Names::MadeFolder;
+                if (made && element != nullptr) {
                     made_.Add(ValueOf(key, *element));
                 }
             }
@@ -411,29 +442,29 @@ std::vector<Finding> CheckJob(Configuration& configuration, CheckDepth depth) {
     return JobChecker(configuration, depth).Run();
 }
 
-std::vector<Finding> CheckSwitches(const Configuration& configuration) {
+std::vector<Finding> CheckSwitches(const Configuration& configuration, CheckDepth depth) {
+    const bool refused = RefusesUnknown(configuration);
     std::vector<Finding> findings;
     const ParameterSet& given = configuration.CommandLine();
     for (std::size_t i = 0; i < given.Size(); ++i) {
         const Element& element = given.At(i);
         const KeySpec* key = FindKey(kSwitches, element.name);
         if (key == nullptr) {
-            findings.push_back({{},
-                                true,
-                                Format(u"'%s' is not a switch.", element.name) +
-                                    DidYouMean(NearestName(element.name, NamesOf({kSwitches})))});
+            if (!refused && depth != CheckDepth::Whole) continue;
+            const StringView nearest = NearestName(element.name, NamesOf({kSwitches}));
+            findings.push_back(
+                {{},
+                 refused,
+                 Format(u"'%s' is not a switch.", element.name) + DidYouMean(nearest)});
         } else if (configuration.IsStrict(*key) && !key_values::IsValid(*key, element.value)) {
-            findings.push_back({{},
-                                true,
-                                Format(u"'%s' is no value of '%s'. It takes %s.", element.value,
-                                       key->name, Taken(*key))});
+            findings.push_back({{}, true, NoValue(*key, element.value)});
         }
     }
     return findings;
 }
 
 String ShownFinding(const Configuration& configuration, const Finding& finding) {
-    const String text = (finding.error ? u"" : u"warning: ") + finding.text;
+    String text = (finding.error ? u"" : u"warning: ") + finding.text;
     if (finding.place.line == 0) return text;
     return Format(u"%s:%u: %s", configuration.TheJob().files[finding.place.file],
                   finding.place.line, text);

@@ -32,8 +32,10 @@ enum class CheckDepth {
 // "There is no file '%s', which '%s' names." and the like
 std::vector<Finding> CheckJob(Configuration& configuration, CheckDepth depth);
 
-// The switches that nobody reads: "'%s' is not a switch. Did you mean '%s'?"
-std::vector<Finding> CheckSwitches(const Configuration& configuration);
+// The switches that nobody reads, and values of switches that are none. Switches that the job
+// forgives are found by a whole check only, as warnings.
+// "'%s' is not a switch. Did you mean '%s'?"
+std::vector<Finding> CheckSwitches(const Configuration& configuration, CheckDepth depth);
 
 // A finding as it is shown: "job.qpr:14: " and its text; "warning: " before that of a warning.
 String ShownFinding(const Configuration& configuration, const Finding& finding);

@@ -1,5 +1,7 @@
 #include "check/key_page.h"
 
+#include <algorithm>
+
 #include "check/key_catalogue.h"
 #include "config/switches.h"
 #include "files/format.h"
@@ -28,12 +30,14 @@ String Cell(StringView value) {
     return cell;
 }
 
-String Code(StringView value) { return value.empty() ? String() : Format(u"`%s`", Cell(value)); }
+String DefaultCell(const KeySpec& key, StringView value) {
+    return Cell(ShownDefault(key, value, u"`"));
+}
 
 void AppendRow(String& page, const KeySpec& key) {
     page +=
         Format(u"| `%s` | %s | %s | %s | %s |\n", key.name, Cell(ShownValues(key)),
-               ShownDefault(key, key.edition1), ShownDefault(key, key.edition2), Cell(key.meaning));
+               DefaultCell(key, key.edition1), DefaultCell(key, key.edition2), Cell(key.meaning));
 }
 
 void AppendTable(String& page, const KeyList& keys) {
@@ -41,6 +45,12 @@ void AppendTable(String& page, const KeyList& keys) {
     for (const KeySpan span : keys) {
         for (const KeySpec& key : span) AppendRow(page, key);
     }
+}
+
+bool HaveSameKeys(const KeyOwner& left, const KeyOwner& right) {
+    return left.section == right.section &&
+           std::equal(left.keys.begin(), left.keys.end(), right.keys.begin(), right.keys.end(),
+                      [](KeySpan a, KeySpan b) { return a.data() == b.data(); });
 }
 
 }  // namespace
@@ -69,10 +79,9 @@ String ShownValues(const KeySpec& key) {
     return words;
 }
 
-String ShownDefault(const KeySpec& key, StringView value) {
-    if (!key.defaults.empty()) return Cell(key.defaults);
-    if (key.kind == KeyKind::Text && value.find_first_of(u"\r\n") != StringView::npos) return {};
-    return Code(value);
+String ShownDefault(const KeySpec& key, StringView value, StringView quote) {
+    if (!key.defaults.empty()) return String(key.defaults);
+    return value.empty() ? String() : Format(u"%s%s%s", quote, value, quote);
 }
 
 // Kinds with the same keys, two words for one thing, share a table.
@@ -83,12 +92,16 @@ String KeyPage() {
         const KeyOwner& owner = owners[i];
         if (owner.section == Section::CommandLine) {
             page += u"\n## Switches of the command line\n\n| Switch | Meaning |\n|---|---|\n";
-            for (const KeySpec& key : KeySpan(kSwitches)) {
+            for (const KeySpec& key : kSwitches) {
                 page += Format(u"| `%s` | %s |\n", key.name, Cell(key.meaning));
             }
             continue;
         }
-        page += Format(u"\n## %s\n\n", NameOf(owner));
+        page += Format(u"\n## %s", NameOf(owner));
+        for (; i + 1 < owners.size() && HaveSameKeys(owner, owners[i + 1]); ++i) {
+            page += Format(u", %s", owners[i + 1].word);
+        }
+        page += u"\n\n";
         AppendTable(page, owner.keys);
     }
     return page;

@@ -31,7 +31,7 @@ String MadePaths::Fault(const KeySpec& key, const String& path) const {
         const StringView kind = key.names == Names::Folder ? u"folder" : u"file";
         return Format(u"There is no %s '%s', which '%s' names.", kind, path, key.name);
     }
-    if (key.names != Names::File) return {};
+    if (key.names != Names::File && key.names != Names::FileAside) return {};
     const std::size_t separator = path.find_last_of(kSeparators);
     if (separator == String::npos || separator == 0) return {};
     const String folder = path.substr(0, separator);

@@ -11,6 +11,9 @@ namespace {
 constexpr std::size_t kLetter = 4;
 constexpr std::size_t kCase = 1;
 
+// Shorter texts begin too many names.
+constexpr std::size_t kShortestBeginning = 3;
+
 std::size_t CostOf(char16_t left, char16_t right) {
     if (left == right) return 0;
     return text::EqualsIgnoringCase({&left, 1}, {&right, 1}) ? kCase : kLetter;
@@ -49,5 +52,10 @@ StringView NearestName(StringView name, const std::vector<StringView>& candidate
         least = distance;
         nearest = candidate;
     }
-    return nearest;
+    if (!nearest.empty() || name.size() < kShortestBeginning) return nearest;
+    const auto begun =
+        std::find_if(candidates.begin(), candidates.end(), [&](StringView candidate) {
+            return text::EqualsIgnoringCase(candidate.substr(0, name.size()), name);
+        });
+    return begun == candidates.end() ? StringView() : *begun;
 }

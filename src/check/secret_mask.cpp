@@ -99,7 +99,7 @@ String HideParts(StringView text) {
 SecretMask::SecretMask(Configuration& configuration)
     : active_(configuration.Flag(Section::Globals, kMaskSecrets)) {
     if (!active_) return;
-    for (const KeySpec& key : KeySpan(kSwitches)) {
+    for (const KeySpec& key : kSwitches) {
         AddSecretsOf(configuration, Section::CommandLine, key);
     }
     for (std::size_t i = 0; i < configuration.StepCount(); ++i) {
@@ -141,7 +141,7 @@ void SecretMask::AddSecretParts(const Configuration& configuration, StringView v
     String resolved(value);
     configuration.ResolveAllMacros(resolved);
     for (const Part& part : SecretParts(resolved)) {
-        AddSecret(StringView(resolved).substr(part.begin, part.end - part.begin));
+        AddSecret(StringView{resolved}.substr(part.begin, part.end - part.begin));
     }
 }
 

@@ -51,7 +51,7 @@ bool Configuration::SettleFrom(String& error, const ParameterSet& globals) {
 }
 
 bool Configuration::Settle(String& error, const String& path) {
-    job_.globals = JobFileReader(kTolerantJobFile).ReadGlobals(path);
+    job_.globals = JobFileReader(kTolerantJobFile, open_).ReadGlobals(path);
     return SettleFrom(error, job_.globals);
 }
 
@@ -59,7 +59,7 @@ bool Configuration::Read(String& error, const String& path) {
     const ScopedState state(u"Configuration::Read");
     if (edition_ == 0 && !Settle(error, path)) return false;
     std::optional<Job> job =
-        JobFileReader(edition_ == 1 ? kLooseJobFile : kStrictJobFile).Read(error, path);
+        JobFileReader(edition_ == 1 ? kLooseJobFile : kStrictJobFile, open_).Read(error, path);
     if (!job) return false;
     job_ = std::move(*job);
     for (const ParameterSet::Element& macro : job_.environment_macros) {
@@ -98,8 +98,9 @@ const ParameterSet::Element* Configuration::FindNamed(Section section, StringVie
     if (section == Section::CommandLine) return command_line_.Find(name);
     if (section != Section::Globals) {
         if (current_step_ >= job_.steps.size()) return nullptr;
-        const ParameterSet& own = job_.steps[current_step_]->List(section, current_transform_);
-        if (const ParameterSet::Element* element = own.Find(name)) return element;
+        const ParameterSet* own = job_.steps[current_step_]->Find(section, current_transform_);
+        const ParameterSet::Element* element = own != nullptr ? own->Find(name) : nullptr;
+        if (element != nullptr) return element;
     }
     return job_.globals.Find(name);
 }
@@ -159,7 +160,10 @@ std::uint64_t Configuration::Size(Section section, Key key) const {
 }
 
 std::optional<std::size_t> Configuration::Word(Section section, Key key) const {
-    return key_values::Word(*key, Text(section, key), IsStrict(*key));
+    const bool strict = IsStrict(*key);
+    const auto word = key_values::Word(*key, Text(section, key), strict);
+    // What is told of a wrong word is told in the way of the default.
+    return word || !strict ? word : key_values::Word(*key, DefaultOf(*key), strict);
 }
 
 String Configuration::GetValue(Section section, StringView name, Quotes quotes,

@@ -10,10 +10,12 @@
 #include "base/strings.h"
 #include "config/configuration_step.h"
 #include "config/job.h"
+#include "config/kept_files.h"
 #include "config/macro_table.h"
 #include "core/key.h"
 #include "core/parameter_set.h"
 #include "core/rule.h"
+#include "files/byte_order_mark.h"
 #include "platform/clock.h"
 
 namespace Quillon {
@@ -27,6 +29,8 @@ public:
     // clock: tells the time of date and time macros; outlives the configuration.
     explicit Configuration(const platform::Clock& clock = platform::SystemClock())
         : clock_(clock) {}
+    Configuration(const Configuration&) = delete;
+    Configuration& operator=(const Configuration&) = delete;
 
     // ---- Taking in ----
 
@@ -124,6 +128,10 @@ private:
     ParameterSet command_line_;
     MacroTable macros_;
     Job job_;
+    KeptFiles kept_files_;
+    const FileOpener open_ = [this](ErrorRecord& error, const String& name) {
+        return kept_files_.Open(error, name);
+    };
     int edition_ = 0;  // not settled yet
     std::size_t current_step_ = 0;
     std::size_t current_transform_ = 0;

@@ -22,3 +22,20 @@ ParameterSet& ConfigurationStep::List(Section section, std::size_t index) {
     }
     throw std::invalid_argument("ConfigurationStep::List bad section");
 }
+
+const ParameterSet* ConfigurationStep::Find(Section section, std::size_t index) const {
+    switch (section) {
+        case Section::Source:
+            return &source_;
+        case Section::Target:
+            return &target_;
+        case Section::Settings:
+            return &settings_;
+        case Section::System:
+            return &system_;
+        case Section::Transform:
+            return index < transforms_.size() ? &transforms_[index] : nullptr;
+        default:
+            return nullptr;
+    }
+}

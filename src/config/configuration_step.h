@@ -26,6 +26,9 @@ public:
     // "ConfigurationStep::List bad index".
     ParameterSet& List(Section section, std::size_t index = 0);
 
+    // The set of a section that is there; null for a Transform section that is not. Makes nothing.
+    const ParameterSet* Find(Section section, std::size_t index) const;
+
     // Appends an empty Transform section.
     void AddTransform() { transforms_.emplace_back(); }
     std::size_t TransformCount() const { return transforms_.size(); }

@@ -28,7 +28,7 @@ bool IsComment(StringView line) { return line.front() == u';' || line.front() ==
 
 std::optional<Job> JobFileReader::Read(String& error, const String& path) {
     JobLines lines;
-    if (!rules_.load(error, path, lines)) return std::nullopt;
+    if (!rules_.load(error, path, open_, lines)) return std::nullopt;
     job_.files = std::move(lines.files);
     for (const JobLine& line : lines.lines) {
         place_ = line.place;
@@ -46,7 +46,7 @@ std::optional<Job> JobFileReader::Read(String& error, const String& path) {
 ParameterSet JobFileReader::ReadGlobals(const String& path) {
     JobLines lines;
     String ignored;
-    if (!rules_.load(ignored, path, lines)) return {};
+    if (!rules_.load(ignored, path, open_, lines)) return {};
     for (const JobLine& line : lines.lines) {
         const bool read = ParseLine(ignored, text::Trim(line.text, text::kBlanksAndLineEnds));
         if (!read && state_ == State::Start) break;

@@ -18,7 +18,8 @@
 // and the messages of the rules.
 class JobFileReader {
 public:
-    explicit JobFileReader(const JobFileRules& rules) : rules_(rules) {}
+    // open: opens the job file and its includes; outlives the reader.
+    JobFileReader(const JobFileRules& rules, const FileOpener& open) : rules_(rules), open_(open) {}
 
     // The job in the file; nothing after a failure.
     std::optional<Job> Read(String& error, const String& path);
@@ -40,6 +41,7 @@ private:
     void AddEnvironmentMacros(StringView names);
 
     const JobFileRules& rules_;
+    const FileOpener& open_;
     Job job_;
     State state_ = State::Start;
     Place place_;                              // of the line that is looked at

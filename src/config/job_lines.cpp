@@ -32,9 +32,10 @@ bool NotAccessible(String& error, StringView name) {
 // ---- The loose way ----
 
 // Lines that are not loaded must not be lost in silence.
-bool LoadLooseFile(ErrorRecord& error, const String& path, std::vector<String>& lines) {
+bool LoadLooseFile(ErrorRecord& error, const String& path, const FileOpener& open,
+                   std::vector<String>& lines) {
     LoadReport report;
-    if (!LoadTextLines(error, path, lines, &report)) return false;
+    if (!LoadTextLines(error, path, lines, &report, open)) return false;
     if (report.encoding == Encoding::Utf8 && !lines.empty()) {
         DecodeAfterByteOrderMark(lines.front());
     }
@@ -47,10 +48,10 @@ bool LoadLooseFile(ErrorRecord& error, const String& path, std::vector<String>& 
 }
 
 // An included file is not searched for further includes; one that cannot be loaded is dropped.
-bool LoadLoose(String& error, const String& path, JobLines& job) {
+bool LoadLoose(String& error, const String& path, const FileOpener& open, JobLines& job) {
     std::vector<String> lines;
     ErrorRecord load_error;
-    if (!LoadLooseFile(load_error, path, lines)) return CouldNotLoad(error, load_error);
+    if (!LoadLooseFile(load_error, path, open, lines)) return CouldNotLoad(error, load_error);
     job.files = {path};
     std::size_t number = 0;
     for (String& line : lines) {
@@ -64,7 +65,7 @@ bool LoadLoose(String& error, const String& path, JobLines& job) {
         job.files.push_back(name);
         std::vector<String> included;
         ErrorRecord ignored;
-        if (!LoadLooseFile(ignored, name, included)) continue;
+        if (!LoadLooseFile(ignored, name, open, included)) continue;
         for (std::size_t i = 0; i < included.size(); ++i) {
             job.lines.push_back({std::move(included[i]), {job.files.size() - 1, i + 1}});
         }
@@ -97,13 +98,14 @@ String ChainOf(const std::vector<String>& open, const String& last) {
 
 class StrictLoader {
 public:
-    explicit StrictLoader(JobLines& job) : job_(job) {}
+    StrictLoader(const FileOpener& open, JobLines& job) : open_file_(open), job_(job) {}
 
     // Appends the lines of a file. `open_` is the chain of files that are being read.
     bool Load(String& error, const String& path) {
         String content;
         ErrorRecord load_error;
-        if (!LoadStrictText(load_error, path, content)) return CouldNotLoad(error, load_error);
+        if (!LoadStrictText(load_error, path, content, open_file_))
+            return CouldNotLoad(error, load_error);
         const std::size_t file = job_.files.size();
         job_.files.push_back(path);
         open_.push_back(path);
@@ -145,35 +147,37 @@ private:
         return false;
     }
 
+    const FileOpener& open_file_;
     JobLines& job_;
     std::vector<String> open_;
     bool placed_ = false;
 };
 
-bool LoadStrict(String& error, const String& path, JobLines& job) {
-    return StrictLoader(job).Load(error, path);
+bool LoadStrict(String& error, const String& path, const FileOpener& open, JobLines& job) {
+    return StrictLoader(open, job).Load(error, path);
 }
 
 // ---- The tolerant way ----
 
-void LoadTolerantFile(const String& path, std::size_t depth, JobLines& job) {
+void LoadTolerantFile(const String& path, std::size_t depth, const FileOpener& open,
+                      JobLines& job) {
     String content;
     ErrorRecord ignored;
-    if (!LoadStrictText(ignored, path, content) &&
-        !LoadWholeText(ignored, path, content, Encoding::Ansi)) {
+    if (!LoadStrictText(ignored, path, content, open) &&
+        !LoadWholeText(ignored, path, content, Encoding::Ansi, open)) {
         return;
     }
     for (const StringView line : SplitIntoLines(content)) {
         if (!line.starts_with(kInclude)) {
             job.lines.push_back({String(line), {}});
         } else if (depth < kDeepestInclude) {
-            LoadTolerantFile(IncludedName(line), depth + 1, job);
+            LoadTolerantFile(IncludedName(line), depth + 1, open, job);
         }
     }
 }
 
-bool LoadTolerant(String& /*error*/, const String& path, JobLines& job) {
-    LoadTolerantFile(path, 0, job);
+bool LoadTolerant(String& /*error*/, const String& path, const FileOpener& open, JobLines& job) {
+    LoadTolerantFile(path, 0, open, job);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/strings.h"
 #include "core/place.h"
+#include "files/byte_order_mark.h"
 
 struct JobLine {
     String text;
@@ -18,8 +19,8 @@ struct JobLines {
 
 // The two ways to read a job file.
 struct JobFileRules {
-    // Loads the lines. On failure `error` holds the message.
-    bool (*load)(String& error, const String& path, JobLines& job);
+    // Loads the lines; `open` opens the files. On failure `error` holds the message.
+    bool (*load)(String& error, const String& path, const FileOpener& open, JobLines& job);
     // The line up to its comment.
     StringView (*cut_comment)(StringView line);
     // Errors begin with the place, and count lines within their file.

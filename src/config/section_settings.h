@@ -29,6 +29,8 @@ public:
         const ParameterSet::Element* element = configuration_->Find(section_, *key);
         return element != nullptr && !element->value.empty();
     }
+    // True when the section or Globals name the key, with a value or without.
+    bool IsGiven(Key key) const { return configuration_->Find(section_, *key) != nullptr; }
     bool Follows(Rule rule) const { return configuration_->Follows(rule); }
 
     // The value of a key with its macros not yet replaced, for those that change with the rows.

@@ -35,6 +35,10 @@ inline constexpr KeyTable kSwitches({
      .kind = KeyKind::Number,
      .meaning = u"run the steps from this one on, counted from 1",
      .since = Since::Later},
+    {.name = u"-report",
+     .meaning = u"write a report of the run in JSON to this file",
+     .since = Since::Later,
+     .names = Names::File},
     {.name = u"-Type",
      .meaning = u"DatabaseQueryToTextFile: make every step export a query to a text file"},
     {.name = u"-DSN", .meaning = u"DSN of the Source", .names = Names::DataSource},
@@ -57,4 +61,5 @@ inline constexpr Key kCheckSwitch = kSwitches[u"-check"];
 inline constexpr std::size_t kCheckConnect = 1;  // the word "connect" of "-check"
 inline constexpr Key kOnlySwitch = kSwitches[u"-only"];
 inline constexpr Key kFromSwitch = kSwitches[u"-from"];
+inline constexpr Key kReportSwitch = kSwitches[u"-report"];
 inline constexpr Key kTypeSwitch = kSwitches[u"-Type"];

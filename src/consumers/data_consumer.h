@@ -16,6 +16,12 @@ class Logger;
 
 namespace DataConsumers {
 
+// A file that a target has written.
+struct WrittenFile {
+    String name;
+    std::uint64_t bytes = 0;  // of text, a byte-order mark not counted
+};
+
 // The target of a step: takes the rows that its source delivers.
 class DataConsumer {
 public:
@@ -42,6 +48,9 @@ public:
     virtual bool NextResultSet(String& error, const SectionSettings& settings) = 0;
     // Finishes the output.
     virtual bool Close(String& error) = 0;
+    // Writes out what has been gathered, because input pauses or the step has failed. A failure
+    // that is not heard here is told by the next operation.
+    virtual bool WriteOut(String& /*error*/) { return true; }
     // Makes what was written final, once the whole step has succeeded. A target that goes without
     // leaves behind what its own settings say.
     virtual bool Commit(String& error);
@@ -49,10 +58,15 @@ public:
     // Compares the columns of a source with what the target can take, and writes nothing.
     virtual bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows);
 
-    // Names the file that the step reads, before Open. Empty: it reads none.
-    virtual void KeepClearOf(const String& /*input_file*/) {}
+    // Names the file that the step reads, and how much of it has been read already, before Open.
+    // Empty: it reads none.
+    virtual void KeepClearOf(const String& /*input_file*/, std::uint64_t /*read_bytes*/) {}
     // Whether the widths of all values must be known before the first row.
     virtual bool MeasuresWidths() const { return false; }
+    // Measure what Prepare and Write would write, into the columns' MaxWidth: the names, from which
+    // the widths of a result set begin, and the values of the current row.
+    virtual void MeasureNames(RowSet& /*rows*/) const {}
+    virtual void MeasureRow(RowSet& /*rows*/) const {}
     // Whether the written size counts bytes.
     virtual bool WritesBytes() const { return false; }
 
@@ -60,6 +74,8 @@ public:
     virtual std::uint64_t Rejected() const { return 0; }
     virtual std::uint64_t ReplacedCharacters() const { return 0; }
 
+    // The files written since Open, in their order; none for databases.
+    virtual std::vector<WrittenFile> Files() const { return {}; }
     // Bytes of text written since Open, byte-order marks not counted; rows for database targets.
     std::uint64_t WrittenSize() const { return written_size_; }
 

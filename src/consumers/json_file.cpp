@@ -1,86 +1,50 @@
 #include "consumers/json_file.h"
 
-#include "consumers/escaping.h"
+#include "consumers/plain_json.h"
+#include "consumers/strict_json.h"
 #include "files/format.h"
-#include "files/text.h"
 
 namespace DataConsumers {
 namespace {
 
-void AppendEscape(String& line, char16_t unit) {
-    line += u'\\';
-    switch (unit) {
-        case u'\r':
-            line += u'r';
-            break;
-        case u'\n':
-            line += u'n';
-            break;
-        case u'\t':
-            line += u't';
-            break;
-        default:
-            line += unit;
-    }
-}
+enum class JsonForm { Plain, Strict, Lines };
 
-// Appends a name or a value, between quotes where it needs them.
-void AppendText(String& line, StringView text) {
-    if (text == u"null" || text::IsPlainNumber(text)) {
-        line += text;
-        return;
-    }
-    line += u'"';
-    const auto is_escaped = [](auto unit) {
-        return (unit == u'\\') | (unit == u'"') | (unit == u'\r') | (unit == u'\n') |
-               (unit == u'\t') | (unit == u'/');
-    };
-    AppendEscaped(line, text, is_escaped, AppendEscape);
-    line += u'"';
+constexpr KeyTable kKeys({
+    {.name = u"Form",
+     .kind = KeyKind::Word,
+     .words = u"Plain Strict Lines",
+     .edition1 = u"Plain",
+     .edition2 = u"Strict",
+     .meaning = u"as always; as every reader takes it; or that with one object a line",
+     .since = Since::Later},
+});
+constexpr Key kJsonForm = kKeys[u"Form"];
+
+JsonForm FormOf(const SectionSettings& settings) {
+    return settings.Word(kJsonForm, JsonForm::Plain);
 }
 
 }  // namespace
 
-KeyList JSONFile::Keys() { return {kOverwriteKeys, kNarrowEncodingKeys, FileKeys()}; }
+KeyList JSONFile::Keys() { return {kKeys, kOverwriteKeys, kNarrowEncodingKeys, FileKeys()}; }
 
-bool JSONFile::BeginFile(String& error) {
-    rows_in_file_ = 0;
-    return WriteUncounted(error, u"[");
+std::unique_ptr<DocumentForm> JSONFile::MakeForm(String& error, const SectionSettings& settings) {
+    const JsonForm form = FormOf(settings);
+    if (form == JsonForm::Plain) return std::make_unique<PlainJson>();
+    if (FormOfText().encoding != FileEncoding{.form = Encoding::Utf8}) {
+        error = Format(u"JSONFile: Form=%s is UTF-8 and nothing else.", settings.Text(kJsonForm));
+        return nullptr;
+    }
+    if (form == JsonForm::Lines) return std::make_unique<JsonLines>();
+    return std::make_unique<StrictJson>();
 }
 
-bool JSONFile::Prepare(String& /*error*/, RowSet& /*rows*/) { return true; }
+bool JSONFile::WantsStrictForm(const SectionSettings& settings) const {
+    return FormOf(settings) != JsonForm::Plain;
+}
 
 bool JSONFile::Write(String& error, RowSet& rows) {
-    error.clear();
-    if (!FileIsOpen()) return false;
-    if (rows.Row.size() != rows.Columns.size()) {
-        error = Format(u"JSONFile: Broken row structure [Values: %d, Structure: %d for '%s']",
-                       rows.Row.size(), rows.Columns.size(), rows.TableName);
-        return false;
-    }
-    if (TakeNewColumns() || names_.size() != rows.Columns.size()) MakeNames(rows.Columns);
-    line_ = rows_in_file_++ == 0 ? u" {" : u",\r\n {";
-    bool first = true;
-    for (std::size_t i = 0; i < rows.Row.size(); ++i) {
-        const DataValue& value = rows.Row[i];
-        if (!value.Included) continue;
-        line_.append(names_[i], first ? 1 : 0);  // without the comma
-        first = false;
-        AppendText(line_, value.IsNull ? StringView(u"null") : value.Text);
-    }
-    line_ += u" }";
-    return WriteText(error, line_);
+    return FileIsOpen() && DocumentTarget::Write(error, rows);
 }
-
-void JSONFile::MakeNames(const std::vector<ColumnDefinition>& columns) {
-    names_.clear();
-    for (const ColumnDefinition& column : columns) {
-        String& name = names_.emplace_back(u",");
-        AppendText(name, column.Name);
-        name += u':';
-    }
-}
-
-bool JSONFile::EndFile(String& error) { return WriteUncounted(error, u"]"); }
 
 }  // namespace DataConsumers

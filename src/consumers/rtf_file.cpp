@@ -1,81 +1,30 @@
 #include "consumers/rtf_file.h"
 
+#include "consumers/plain_rtf.h"
+#include "consumers/strict_rtf.h"
 #include "files/format.h"
 
 namespace DataConsumers {
-namespace {
 
-constexpr StringView kTitle = u"Results";
-constexpr StringView kColourTable =
-    u"{\\colortbl;\\red0\\green0\\blue0;\\red0\\green0\\blue255;\\red0\\green255\\blue255;"
-    u"\\red0\\green255\\blue0;\\red255\\green0\\blue255;\\red255\\green0\\blue0;"
-    u"\\red255\\green255\\blue0;\\red255\\green255\\blue255;\\red0\\green0\\blue128;"
-    u"\\red0\\green128\\blue128;\\red0\\green128\\blue0;\\red128\\green0\\blue128;"
-    u"\\red128\\green0\\blue0;\\red128\\green128\\blue0;\\red128\\green128\\blue128;"
-    u"\\red192\\green192\\blue192;}";
-constexpr StringView kA4Page = u"\\paperw11906\\paperh16838";  // in twips
-constexpr StringView kRowStart =
-    u"{\\trowd\\trgaph108\\trwWidth5000\\trftsWidth2\\trbrdrt\\brdrs\\brdrw10 "
-    u"\\trbrdrl\\brdrs\\brdrw10 \\trbrdrb\\brdrs\\brdrw10 \\trbrdrr\\brdrs\\brdrw10 "
-    u"\\trbrdrh\\brdrs\\brdrw10 \\trbrdrv\\brdrs\\brdrw10\r\n";
-constexpr StringView kCellDefinition =
-    u"\\clbrdrt\\brdrs\\brdrw10 \\clbrdrl\\brdrs\\brdrw10 \\clbrdrb\\brdrs\\brdrw10 "
-    u"\\clbrdrr\\brdrs\\brdrw10 \\cltxlrtb \r\n";
-constexpr StringView kRowDefinitionEnd = u"\\nowidctlpar\\widctlpar\\adjustright\r\n";
-constexpr StringView kCellStart = u"\\intbl ";
-constexpr StringView kCellEnd = u"\\cell \r\n";
-constexpr StringView kRowEnd = u"\\pard \\nowidctlpar\\widctlpar\\adjustright\\row\\pard}\r\n";
+KeyList RTFFile::Keys() { return {kFormKeys, kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()}; }
 
-// Indexes of the colour table.
-constexpr int kNoShading = 0;
-constexpr int kSilver = 16;
-
-// All cells are defined, those of removed columns too: they stay empty at the end of the row.
-String RowDefinition(std::size_t cells, int shading) {
-    String definition(kRowStart);
-    for (std::size_t i = 1; i <= cells; ++i) {
-        definition += kCellDefinition;
-        definition += Format(u"\\clcbpat%d\\cellx%d000", shading, i);
+std::unique_ptr<DocumentForm> RTFFile::MakeForm(String& error, const SectionSettings& settings) {
+    if (!WantsStrictForm(settings)) return std::make_unique<PlainRtf>();
+    const StringView refused = settings.IsSet(kLaterEncoding) ? u"Encoding"
+                               : SetsMark(settings)           ? u"Bom"
+                                                              : u"";
+    if (!refused.empty()) {
+        error = Format(u"RTFFile: '%s' has no meaning for a document of ASCII alone.", refused);
+        return nullptr;
     }
-    return definition += kRowDefinitionEnd;
+    return std::make_unique<StrictRtf>();
 }
 
-}  // namespace
-
-KeyList RTFFile::Keys() { return {kLaterOverwriteKeys, kLaterEncodingKeys, FileKeys()}; }
-
-bool RTFFile::Prepare(String& error, RowSet& rows) {
-    line_ = Format(u"{\\rtf\\ansi{\\info{\\title %s}} \r\n", kTitle);
-    line_ += kColourTable;
-    line_ += kA4Page;
-    line_ += u"\r\n{\\par ";
-    line_ += RowDefinition(rows.Columns.size(), kSilver);
-    for (const ColumnDefinition& column : rows.Columns) {
-        if (column.Included) AppendCell(column.Name);
-    }
-    line_ += kRowEnd;
-    return WriteText(error, line_);
+// All that goes beyond ASCII is escaped.
+TextForm RTFFile::TextFormOf(const SectionSettings& settings) const {
+    TextForm form = DocumentTarget::TextFormOf(settings);
+    if (WantsStrictForm(settings)) form = {.encoding = {.form = Encoding::Utf8}, .marked = false};
+    return form;
 }
-
-bool RTFFile::Write(String& error, RowSet& rows) {
-    if (row_definition_.empty() || defined_cells_ != rows.Row.size()) {
-        defined_cells_ = rows.Row.size();
-        row_definition_ = RowDefinition(defined_cells_, kNoShading);
-    }
-    line_ = row_definition_;
-    for (const DataValue& value : rows.Row) {
-        if (value.Included) AppendCell(value.IsNull ? StringView(u"NULL") : value.Text);
-    }
-    line_ += kRowEnd;
-    return WriteText(error, line_);
-}
-
-void RTFFile::AppendCell(StringView text) {
-    line_ += kCellStart;
-    line_ += text;
-    line_ += kCellEnd;
-}
-
-bool RTFFile::EndFile(String& error) { return WriteText(error, u"}}"); }
 
 }  // namespace DataConsumers

@@ -1,29 +1,21 @@
 #pragma once
 
-#include "consumers/file_target.h"
+#include "consumers/document_target.h"
 
 namespace DataConsumers {
 
-// Writes the rows as a table of an RTF document (Rich Text Format, version 1.9.1) on A4 paper, in
-// UTF-8 with its mark and into an emptied file: a grey row of names, then a bordered row for each
-// row. Every cell is 1000 twips wide. Texts are written as they are: backslashes, braces and
-// characters beyond ASCII are not escaped.
-class RTFFile final : public FileTarget {
+// Writes the rows as a table of an RTF document, in one of two forms: PlainRtf and StrictRtf.
+//
+// Open fails with "RTFFile: '%s' has no meaning for a document of ASCII alone." when the strict
+// form is given an encoding or a mark.
+class RTFFile final : public DocumentTarget {
 public:
-    RTFFile() : FileTarget({.overwrite = kLaterOverwrite, .encoding = kLaterEncoding}) {}
+    RTFFile() : DocumentTarget(kLaterOverwrite, kLaterEncoding) {}
     static KeyList Keys();
 
-    // Begins the document with the row of names.
-    bool Prepare(String& error, RowSet& rows) override;
-    bool Write(String& error, RowSet& rows) override;
-
 private:
-    bool EndFile(String& error) override;
-
-    void AppendCell(StringView text);
-
-    String row_definition_;  // of the latest data row; rows mostly have the same number of cells
-    std::size_t defined_cells_ = 0;
+    std::unique_ptr<DocumentForm> MakeForm(String& error, const SectionSettings& settings) override;
+    TextForm TextFormOf(const SectionSettings& settings) const override;
 };
 
 }  // namespace DataConsumers

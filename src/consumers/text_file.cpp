@@ -1,6 +1,9 @@
 #include "consumers/text_file.h"
 
+#include <optional>
+
 #include "base/activity_trail.h"
+#include "config/text_dialect.h"
 #include "files/format.h"
 
 namespace DataConsumers {
@@ -10,18 +13,14 @@ constexpr KeyTable kKeys({
     {.name = u"Header",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
-     .edition2 = u"0",
+     .edition2 = u"1",
      .meaning = u"write the names of the columns first"},
-    {.name = u"Delimiter",
-     .edition1 = u"tab",
-     .edition2 = u"tab",
-     .meaning = u"what stands between two fields"},
     {.name = u"QuotationMode",
      .kind = KeyKind::Word,
      .words = u"Never ByValue Always",
      .edition1 = u"Never",
-     .edition2 = u"Never",
-     .meaning = u"which fields stand between quotes",
+     .edition2 = u"ByValue",
+     .meaning = u"which fields stand between quotes; with CSV at least those that need them",
      .any_case = true},
     {.name = u"QuoteChar", .edition1 = u"\"", .edition2 = u"\"", .meaning = u"the quote of fields"},
     {.name = u"EndOfLine",
@@ -42,32 +41,72 @@ constexpr KeyTable kKeys({
      .meaning = u"line columns up with blanks; the source is read twice"},
 });
 constexpr Key kHeader = kKeys[u"Header"];
-constexpr Key kDelimiter = kKeys[u"Delimiter"];
 constexpr Key kQuotationMode = kKeys[u"QuotationMode"];
 constexpr Key kQuoteChar = kKeys[u"QuoteChar"];
 constexpr Key kEndOfLine = kKeys[u"EndOfLine"];
 constexpr Key kNullIsEmptyString = kKeys[u"NullIsEmptyString"];
 constexpr Key kFixedWidth = kKeys[u"FixedWidth"];
 
-String DelimiterOf(const String& setting) {
-    return setting == u"tab" || setting == u"<tab>" ? u"\t" : setting;
-}
-
 }  // namespace
 
-KeyList TextFile::Keys() { return {kKeys, kOverwriteKeys, kEncodingKeys, FileKeys()}; }
+KeyList TextFile::Keys() {
+    return {kKeys, kDialectKeys, kOverwriteKeys, kEncodingKeys, FileKeys()};
+}
 
-bool TextFile::ReadSettings(String& /*error*/, const SectionSettings& settings) {
+bool TextFile::ReadSettings(String& error, const SectionSettings& settings) {
     const ScopedState state(u"TextFile::Open");
-    quotation_ = settings.Word(kQuotationMode, Quotation::Never);
     end_of_line_ = settings.Word(kEndOfLine, EndOfLine::CrLf) == EndOfLine::Lf ? u"\n" : u"\r\n";
-    delimiter_ = DelimiterOf(settings.Text(kDelimiter));
     header_ = settings.Flag(kHeader);
-    null_is_empty_ = settings.Flag(kNullIsEmptyString);
-    quote_ = settings.Text(kQuoteChar);
-    fixed_width_ = settings.Flag(kFixedWidth);
     first_file_ = true;
     header_delayed_ = false;
+    LineLayout layout;
+    if (!ReadLayout(error, settings, layout)) return false;
+    measures_ = layout.form == LineLayout::Form::Measured;
+    fields_ = FieldWriter::Make(layout);
+    return true;
+}
+
+bool TextFile::ReadLayout(String& error, const SectionSettings& settings, LineLayout& layout) {
+    using Form = LineLayout::Form;
+    TextSigns signs;
+    std::optional<String> null_text;
+    if (!ReadTextSigns(error, settings, kQuoteChar, false, signs)) return false;
+    if (!ReadNullText(error, settings, signs, null_text)) return false;
+    const bool csv = signs.dialect == Dialect::Csv;
+    layout.form = csv ? Form::Csv : Form::Plain;
+    if (settings.Flag(kFixedWidth)) layout.form = Form::Measured;
+    if (!signs.widths.empty()) layout.form = Form::Widths;
+    layout.whole_characters = settings.Follows(Rule::WidthsAsWritten);
+    layout.delimiter = signs.delimiter;
+    layout.quote = signs.quote;
+    layout.widths = signs.widths;
+    return ReadNull(error, settings, null_text, layout) &&
+           ReadQuotation(error, settings, csv, layout);
+}
+
+// null_text: what `NullText` says, or the dialect.
+bool TextFile::ReadNull(String& error, const SectionSettings& settings,
+                        const std::optional<String>& null_text, LineLayout& layout) {
+    const bool named = settings.IsSet(kNullIsEmptyString);
+    if (named && settings.IsGiven(kNullText)) {
+        error = u"NullText and NullIsEmptyString say the same: only one of them can be set.";
+        return false;
+    }
+    const String by_flag = settings.Flag(kNullIsEmptyString) ? u"" : u"NULL";
+    layout.null_text = named ? by_flag : null_text.value_or(by_flag);
+    return true;
+}
+
+bool TextFile::ReadQuotation(String& error, const SectionSettings& settings, bool csv,
+                             LineLayout& layout) {
+    using Quotation = LineLayout::Quotation;
+    layout.quotation = settings.Word(kQuotationMode, Quotation::Never);
+    if (!csv || layout.quotation != Quotation::Never) return true;
+    if (settings.IsSet(kQuotationMode)) {
+        error = u"QuotationMode=Never cannot stand beside Dialect=CSV.";
+        return false;
+    }
+    layout.quotation = Quotation::ByValue;
     return true;
 }
 
@@ -82,37 +121,24 @@ bool TextFile::Prepare(String& error, RowSet& rows) {
     const ScopedState state(u"TextFile::Prepare");
     if (!header_pending_) return true;
     header_pending_ = false;
-    ComposeHeader(rows);
-    if (!fixed_width_) return WriteText(error, line_);
+    if (!ComposeHeader(error, rows)) return false;
+    if (!measures_) return WriteText(error, line_);
     header_delayed_ = true;
     delayed_header_ = line_;
     return true;
 }
 
-void TextFile::ComposeHeader(const RowSet& rows) {
+bool TextFile::ComposeHeader(String& error, const RowSet& rows) {
     line_.clear();
-    bool first = true;
-    for (const ColumnDefinition& column : rows.Columns) {
-        if (!column.Included) continue;
-        AppendField(column.Name, column, first);
-        first = false;
-    }
+    const bool composed = fields_->AppendNames(error, rows, line_);
     line_ += end_of_line_;
+    return composed;
 }
 
-void TextFile::AppendField(StringView value, const ColumnDefinition& column, bool first) {
-    if (fixed_width_) {
-        line_ += value;  // whole, even when it is longer than the widest text seen
-        if (value.size() < column.MaxWidth) line_.append(column.MaxWidth - value.size(), u' ');
-        return;
+void TextFile::MeasureNames(RowSet& rows) const {
+    for (ColumnDefinition& column : rows.Columns) {
+        column.MaxWidth = header_ ? WidthOf(column.Name, true) : 0;
     }
-    if (!first) line_ += delimiter_;
-    const bool quoted =
-        quotation_ == Quotation::Always ||
-        (quotation_ == Quotation::ByValue && value.find(delimiter_) != StringView::npos);
-    if (quoted) line_ += quote_;
-    line_ += value;
-    if (quoted) line_ += quote_;
 }
 
 bool TextFile::Write(String& error, RowSet& rows) {
@@ -123,19 +149,10 @@ bool TextFile::Write(String& error, RowSet& rows) {
     }
     if (header_delayed_) {
         header_delayed_ = false;
-        ComposeHeader(rows);
-        if (!WriteText(error, line_)) return false;
+        if (!ComposeHeader(error, rows) || !WriteText(error, line_)) return false;
     }
     line_.clear();
-    bool first = true;
-    for (std::size_t i = 0; i < rows.Row.size(); ++i) {
-        const DataValue& value = rows.Row[i];
-        if (!value.Included) continue;
-        StringView shown = value.Text;
-        if (value.IsNull) shown = null_is_empty_ ? u"" : u"NULL";
-        AppendField(shown, rows.Columns[i], first);
-        first = false;
-    }
+    if (!fields_->AppendValues(error, rows, line_)) return false;
     line_ += end_of_line_;
     return WriteText(error, line_);
 }

@@ -1,15 +1,19 @@
 #pragma once
 
+#include <memory>
+#include <optional>
+
+#include "consumers/field_writer.h"
 #include "consumers/file_target.h"
 
 namespace DataConsumers {
 
-// Writes each row as one line, delimited or of fixed width, to a file or the console.
+// Writes each row as one line, delimited or of fixed width, to a file or the console. By RFC 4180:
 //
-//     Name<TAB>Price
-//     Blue "sky"<TAB>12.50
+//     Name,Price
+//     "Blue ""sky""",12.50
 //
-// Quote characters and line breaks inside a value are written as they are.
+// In a plain file quotes and line breaks inside a value are written as they are.
 class TextFile final : public FileTarget {
 public:
     TextFile()
@@ -20,29 +24,34 @@ public:
     static KeyList Keys();
 
     bool Prepare(String& error, RowSet& rows) override;
-    // "TextFile: Broken row structure [Values: %d, Structure: %d for '%s']", or the file layer's
-    // messages.
+    // "TextFile: Broken row structure [Values: %d, Structure: %d for '%s']", or the messages of
+    // FieldWriter and the file layer.
     bool Write(String& error, RowSet& rows) override;
-    bool MeasuresWidths() const override { return fixed_width_; }
+    bool MeasuresWidths() const override { return measures_; }
+    void MeasureNames(RowSet& rows) const override;
+    void MeasureRow(RowSet& rows) const override { fields_->MeasureValues(rows); }
 
 private:
-    enum class Quotation { Never, ByValue, Always };
     enum class EndOfLine { Lf, CrLf };
 
+    // Fails where keys contradict each other, see ReadTextSigns and ReadNullText, and with
+    // "NullText and NullIsEmptyString say the same: only one of them can be set." and
+    // "QuotationMode=Never cannot stand beside Dialect=CSV."
     bool ReadSettings(String& error, const SectionSettings& settings) override;
+    static bool ReadLayout(String& error, const SectionSettings& settings, LineLayout& layout);
+    static bool ReadNull(String& error, const SectionSettings& settings,
+                         const std::optional<String>& null_text, LineLayout& layout);
+    static bool ReadQuotation(String& error, const SectionSettings& settings, bool csv,
+                              LineLayout& layout);
     bool BeginFile(String& error) override;
     bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;
-    void AppendField(StringView value, const ColumnDefinition& column, bool first);
-    void ComposeHeader(const RowSet& rows);
+    bool ComposeHeader(String& error, const RowSet& rows);
 
-    Quotation quotation_ = Quotation::Never;
+    std::unique_ptr<FieldWriter> fields_;
     String end_of_line_;
-    String delimiter_;
-    String quote_;
     bool header_ = false;
-    bool null_is_empty_ = false;
-    bool fixed_width_ = false;
+    bool measures_ = false;
 
     bool first_file_ = true;
     bool header_pending_ = false;  // the next Prepare brings the header

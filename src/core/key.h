@@ -36,9 +36,11 @@ enum class Since {
 // What a value names, for messages and checks.
 enum class Names {
     Nothing,
-    File,      // one that is made or written
-    FileRead,  // one that must be there
+    File,       // one that is made or written
+    FileAside,  // likewise, but not what the step is about
+    FileRead,   // one that must be there
     Folder,
+    MadeFolder,  // one that is made with its parents
     Table,
     Tables,     // several, one after the other
     Catalogue,  // tables that the rows describe
@@ -103,6 +105,8 @@ public:
     }
 
     constexpr operator KeySpan() const { return specs_; }
+    constexpr const KeySpec* begin() const { return specs_; }
+    constexpr const KeySpec* end() const { return specs_ + N; }
 
 private:
     KeySpec specs_[N];

@@ -10,8 +10,12 @@ enum class Rule {
     BatchSizeChecked,     // a batch of no rows is refused
     StrictTexts,          // query and page files are UTF-8 or UTF-16 by their mark, and read whole
     FilesMustClose,       // a file that cannot be closed fails the step
-    ConsoleIsForAll,      // STDOUT and CONSOLE are standard output for every file target
+    FilesMadeOnce,        // a step that would make the same file twice is refused
     AppendKeepsEncoding,  // appending goes on in the job's encoding; an empty file counts as new
+    ConsoleIsForAll,      // STDOUT and CONSOLE are standard output for every file target
     NoEmptyTables,        // no table without rows stands between two result sets
+    TabHasEscape,         // a delimiter may be written as \t
+    EmptyTextIsTold,      // a text file that should hold names and is empty is told of by its name
+    WidthsAsWritten,      // fixed widths are those of what is written, in every result set
     LossesAreCounted,     // the statistics count records skipped and rows rejected
 };

@@ -39,10 +39,10 @@ Encoding RecogniseByteOrderMark(std::span<const std::byte> bytes) {
 }
 
 std::unique_ptr<platform::InputFile> OpenByMark(ErrorRecord& error, const String& name,
-                                                Encoding& encoding) {
+                                                Encoding& encoding, const FileOpener& open) {
     const ScopedState state(u"dFile::OpenFile RB");
     encoding = Encoding::Ansi;
-    std::unique_ptr<platform::InputFile> stream = platform::InputFile::Open(error, name);
+    std::unique_ptr<platform::InputFile> stream = open(error, name);
     if (!stream) {
         error.text.insert(0, u"Could not open file for reading: ");
         return nullptr;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -20,5 +21,9 @@ Encoding RecogniseByteOrderMark(std::span<const std::byte> bytes);
 // mark does not.
 // Fails, with null, with "Could not open file for reading: " and the system's text; the code is
 // kept.
+// open: how the name is opened.
+using FileOpener =
+    std::function<std::unique_ptr<platform::InputFile>(ErrorRecord& error, const String& name)>;
 std::unique_ptr<platform::InputFile> OpenByMark(ErrorRecord& error, const String& name,
-                                                Encoding& encoding);
+                                                Encoding& encoding,
+                                                const FileOpener& open = platform::InputFile::Open);

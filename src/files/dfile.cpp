@@ -14,10 +14,14 @@ bool dFile::Open(ErrorRecord& error, const String& name, const TextForm& form, b
     return true;
 }
 
-bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
+bool dFile::Put(ErrorRecord& error, StringView text, std::size_t* written_size) {
     if (memory_mode_ && memory_opened_) return WriteToMemory(error, text, written_size);
+    return writer_.Write(error, text, written_size);
+}
+
+bool dFile::Write(ErrorRecord& error, StringView text, std::size_t* written_size) {
     ErrorRecord failure;
-    if (writer_.Write(failure, text, written_size)) return true;
+    if (Put(failure, text, written_size)) return true;
     if (writer_.Failed()) {
         TellNotice(failure.text + u'\n');
     } else {

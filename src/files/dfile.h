@@ -31,9 +31,18 @@ public:
     bool Open(ErrorRecord& error, const String& name, Encoding encoding, bool append) {
         return Open(error, name, TextForm{.encoding = {encoding}}, append);
     }
+    // The same with a file that has been opened, see TextWriter::Begin. Not in memory mode.
+    bool Begin(ErrorRecord& error, const String& name, std::unique_ptr<platform::OutputFile> file,
+               const TextForm& form, bool goes_on) {
+        return writer_.Begin(error, name, std::move(file), form, goes_on);
+    }
     // TextWriter::Write, with one difference: when not all bytes reach the file there is no text,
     // and a notice on standard error tells the reason.
     bool Write(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
+    // Write for those who want to tell the reason; it is told nowhere else.
+    bool Put(ErrorRecord& error, StringView text, std::size_t* written_size = nullptr);
+    // Hands on what the file has gathered, see TextWriter::Flush.
+    bool Flush(ErrorRecord& error) { return writer_.Flush(error); }
     // Writes bytes as they are. In memory mode they are taken as UTF-16 that ends at a zero unit.
     bool WriteBytes(std::span<const std::byte> bytes);
     // Releases file, stream and buffer. Always true; a notice on standard error tells of a file

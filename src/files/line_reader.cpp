@@ -1,6 +1,7 @@
 #include "files/line_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "files/byte_order_mark.h"
 
@@ -29,25 +30,33 @@ bool LineReader::Open(ErrorRecord& error, const String& name) {
     if (name.empty()) return true;
     stream_ = OpenByMark(error, name, encoding_);
     if (!stream_) return false;
+    size_ = stream_->Size().value_or(0);
     buffer_ = std::make_unique_for_overwrite<std::byte[]>(kBufferBytes);
     filled_ = stream_->ReadFully({buffer_.get(), kBufferBytes});
     return true;
 }
 
 // Nothing is read yet: who types the lines is asked for them one by one.
-void LineReader::OpenStandardInput() {
+void LineReader::OpenStandardInput(std::unique_ptr<platform::InputFile> stream) {
     Close();
     standard_input_ = true;
     buffer_ = std::make_unique_for_overwrite<std::byte[]>(kBufferBytes);
-    stream_ = platform::InputFile::StandardInput();
+    stream_ = std::move(stream);
 }
 
 void LineReader::Close() {
     stream_.reset();
     buffer_.reset();
     filled_ = position_ = 0;
+    passed_ = size_ = 0;
     standard_input_ = false;
     encoding_ = Encoding::Ansi;
+}
+
+std::optional<double> LineReader::Share() const {
+    if (size_ == 0) return std::nullopt;
+    const auto read = static_cast<double>(passed_ + position_);
+    return std::min(1.0, read / static_cast<double>(size_));
 }
 
 RawText LineReader::Unread() const {
@@ -61,6 +70,7 @@ bool LineReader::ReadLine(String& line) {
     const bool wide = encoding_ == Encoding::Utf16LittleEndian;
     while (!(wide ? TakeWideLine(line) : TakeLine(line))) {
         if (filled_ < kBufferBytes) return !line.empty();  // only the file's end fills it less
+        passed_ += filled_;
         filled_ = stream_->ReadFully({buffer_.get(), kBufferBytes});
         position_ = 0;
     }

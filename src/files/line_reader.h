@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 #include "base/error_record.h"
@@ -19,8 +21,9 @@ public:
     // Opens a file; an empty name opens nothing, succeeds, and gives no line.
     // Fails as OpenByMark does.
     bool Open(ErrorRecord& error, const String& name);
-    // Lines come from standard input as they are typed or piped in.
-    void OpenStandardInput();
+    // Lines come from standard input, or from a stream in its place, as they are typed or piped in.
+    void OpenStandardInput(
+        std::unique_ptr<platform::InputFile> stream = platform::InputFile::StandardInput());
     void Close();
 
     // The next line, without its line feed and carriage returns. UTF-16 little-endian files are
@@ -34,6 +37,8 @@ public:
     bool Failed() const { return stream_ && stream_->Failed(); }
     // True when what Open opened gives the same bytes if it is opened once more.
     bool CanReopen() const { return stream_ && !standard_input_ && stream_->CanReopen(); }
+    // How much of the file has been read, where its length is known.
+    std::optional<double> Share() const;
 
 private:
     bool TakeLine(String& line);
@@ -47,4 +52,6 @@ private:
     std::unique_ptr<std::byte[]> buffer_;
     std::size_t filled_ = 0;    // bytes in buffer_
     std::size_t position_ = 0;  // of the next byte to take
+    std::uint64_t passed_ = 0;  // bytes of the file before those in buffer_
+    std::uint64_t size_ = 0;    // of the file; 0 where nobody knows
 };

@@ -9,7 +9,7 @@
 // line of names first. The file is made with the first row, in place of one that is there.
 //
 //     line,reason,record
-//     17,"3 fields where 4 columns are","a,b,c"
+//     17,"3 fields where 4 columns are.","a,b,c"
 class RejectFile {
 public:
     // name: of the file; most: how many rows may be set aside.

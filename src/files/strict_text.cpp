@@ -53,10 +53,10 @@ bool DecodeUtf16(ErrorRecord& error, const String& name, RawText bytes, bool lit
 
 }  // namespace
 
-bool LoadStrictText(ErrorRecord& error, const String& name, String& text) {
+bool LoadStrictText(ErrorRecord& error, const String& name, String& text, const FileOpener& open) {
     text.clear();
     Encoding encoding = Encoding::Ansi;
-    const std::unique_ptr<platform::InputFile> stream = OpenByMark(error, name, encoding);
+    const std::unique_ptr<platform::InputFile> stream = OpenByMark(error, name, encoding, open);
     std::vector<std::byte> bytes;
     if (!stream || !ReadToEnd(error, *stream, bytes)) return false;
     const RawText all = AsRawText(bytes);

@@ -33,8 +33,8 @@ void SkipByteOrderMark(platform::InputFile& stream, Encoding encoding) {
     }
 }
 
-bool ReadContent(ErrorRecord& error, const String& name, Content& content) {
-    content.rest = OpenByMark(error, name, content.encoding);
+bool ReadContent(ErrorRecord& error, const String& name, const FileOpener& open, Content& content) {
+    content.rest = OpenByMark(error, name, content.encoding, open);
     if (!content.rest) return false;
     // What has no length, a pipe say, is read up to the limit.
     const std::optional<std::uint64_t> size = content.rest->Size();
@@ -168,12 +168,12 @@ bool TakeLine(std::span<const std::byte> bytes, std::size_t& position, String& l
     return !line.empty();
 }
 
-bool LoadWholeText(ErrorRecord& error, const String& name, String& text,
-                   Encoding default_encoding) {
+bool LoadWholeText(ErrorRecord& error, const String& name, String& text, Encoding default_encoding,
+                   const FileOpener& open) {
     const ScopedState state(u"dFile::PrepareLoadFileContent");
     text.clear();
     Content content;
-    if (!ReadContent(error, name, content)) return false;
+    if (!ReadContent(error, name, open, content)) return false;
     if (content.bytes.empty()) return true;
     const bool marked = content.encoding != Encoding::Ansi;
     std::size_t position = 0;
@@ -182,11 +182,11 @@ bool LoadWholeText(ErrorRecord& error, const String& name, String& text,
 }
 
 bool LoadTextLines(ErrorRecord& error, const String& name, std::vector<String>& lines,
-                   LoadReport* report) {
+                   LoadReport* report, const FileOpener& open) {
     const ScopedState state(u"dFile::LoadFileContent");
     lines.clear();
     Content content;
-    if (!ReadContent(error, name, content)) return false;
+    if (!ReadContent(error, name, open, content)) return false;
     std::size_t position = 0;
     String line;
     bool ended = content.bytes.empty();

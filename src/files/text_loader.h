@@ -8,6 +8,7 @@
 
 #include "base/error_record.h"
 #include "base/strings.h"
+#include "files/byte_order_mark.h"
 #include "files/encoding.h"
 
 // The most that is loaded of a file, its mark included. What follows is left out.
@@ -24,12 +25,14 @@ struct LoadReport {
 // begins with the mark's last byte (U+00BF), which is no UTF-8, and so comes out one character a
 // byte.
 // The loaders fail as OpenByMark does, and with "Could not read the file to its end.".
-bool LoadWholeText(ErrorRecord& error, const String& name, String& text, Encoding default_encoding);
+bool LoadWholeText(ErrorRecord& error, const String& name, String& text, Encoding default_encoding,
+                   const FileOpener& open = platform::InputFile::Open);
 
 // Loads a file as lines, one character a byte without a mark. The first line that comes out empty
 // ends the list; see TakeLine.
 bool LoadTextLines(ErrorRecord& error, const String& name, std::vector<String>& lines,
-                   LoadReport* report = nullptr);
+                   LoadReport* report = nullptr,
+                   const FileOpener& open = platform::InputFile::Open);
 
 // Takes the line at `position` of the bytes, or with `whole` all that is left, and moves `position`
 // past it. Carriage returns, line feeds and tabs are cut off the end, unless there is nothing else.

@@ -7,25 +7,45 @@
 #include "files/byte_order_mark.h"
 #include "files/format.h"
 
-bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
+std::unique_ptr<platform::OutputFile> OpenForWriting(ErrorRecord& error, const String& name,
+                                                     bool append, bool& existed) {
     using Mode = platform::OutputFile::Mode;
-    name_ = name;
-    failed_ = false;
+    existed = platform::PathExists(name);
+    const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
+    auto file = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
+    if (!file) TellUnwritable(error);
+    return file;
+}
+
+void TellUnwritable(ErrorRecord& error) {
+    error.text.insert(0, u"Could not open file for writing: ");
+}
+
+bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
     output_.reset();  // it may be the same file
     if (!MakeEncoder(error, form, form.encoding)) return false;
-    const bool existed = platform::PathExists(name);
-    const Mode existing_mode = append ? Mode::OpenExisting : Mode::Truncate;
-    output_ = platform::OutputFile::Open(error, name, existed ? existing_mode : Mode::CreateNew);
+    bool existed = false;
+    auto file = OpenForWriting(error, name, append, existed);
+    return file && Begin(error, name, std::move(file), form, append && existed);
+}
+
+bool TextWriter::Begin(ErrorRecord& error, const String& name,
+                       std::unique_ptr<platform::OutputFile> file, const TextForm& form,
+                       bool goes_on) {
+    name_ = name;
+    failed_ = false;
+    if (!MakeEncoder(error, form, form.encoding)) return false;
+    output_ = std::move(file);
     // What is no regular file has no content to go on behind, and no mark of its own.
-    const bool behind_content = append && output_ && output_->IsRegular();
-    if (behind_content && existed) {
+    const bool behind_content = goes_on && output_->IsRegular();
+    if (behind_content) {
         const Encoding own = OwnMark();
         const bool keeps = own == Encoding::Ansi && form.keeps_encoding;
         if (!keeps && !MakeEncoder(error, form, {own})) return false;
     }
     std::uint64_t position = 0;
-    if (!output_ || (behind_content && !output_->SeekEnd(error, position))) {
-        error.text.insert(0, u"Could not open file for writing: ");
+    if (behind_content && !output_->SeekEnd(error, position)) {
+        TellUnwritable(error);
         output_.reset();
         return false;
     }
@@ -76,6 +96,10 @@ bool TextWriter::WriteBytes(ErrorRecord& error, std::span<const std::byte> bytes
         return false;
     }
     return output_->Write(error, bytes) || Fail(error);
+}
+
+bool TextWriter::Flush(ErrorRecord& error) {
+    return !output_ || output_->Flush(error) || Fail(error);
 }
 
 bool TextWriter::Finish(ErrorRecord& error) {

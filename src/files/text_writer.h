@@ -20,6 +20,13 @@ struct TextForm {
     // is like a new one.
     bool keeps_encoding = false;
 };
+// Opens a file for writing and creates it when missing. existed: whether it was there.
+// append: its content is kept; otherwise it is emptied.
+// Fails with "Could not open file for writing: " and the system's text; the code is kept.
+std::unique_ptr<platform::OutputFile> OpenForWriting(ErrorRecord& error, const String& name,
+                                                     bool append, bool& existed);
+// Puts those words before the system's text.
+void TellUnwritable(ErrorRecord& error);
 
 // Writes text to a file in one of the encodings. Each piece reaches the file whole or not at all.
 class TextWriter {
@@ -34,6 +41,10 @@ public:
     // Fails with "Could not open file for writing: " and the system's text, the code is kept; and
     // as MakeTextEncoder does, before any file is touched.
     bool Open(ErrorRecord& error, const String& name, const TextForm& form, bool append);
+    // The same with a file that has been opened.
+    // name: for messages. goes_on: it was there before and is appended to.
+    bool Begin(ErrorRecord& error, const String& name, std::unique_ptr<platform::OutputFile> file,
+               const TextForm& form, bool goes_on);
     bool IsOpen() const { return output_ != nullptr; }
     // What the text is written in: after an append, what the file's own mark declares.
     const FileEncoding& CurrentEncoding() const { return encoding_; }
@@ -55,6 +66,8 @@ public:
     // True once bytes did not reach the file.
     bool Failed() const { return failed_; }
 
+    // Hands on what the file has gathered; fails as WriteBytes does.
+    bool Flush(ErrorRecord& error);
     // Closes the file, if one is open. Fails with the text of WriteBytes when the system tells only
     // now that data did not arrive.
     bool Finish(ErrorRecord& error);

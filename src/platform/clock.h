@@ -18,6 +18,8 @@ class Clock {
 public:
     virtual ~Clock() = default;
     virtual LocalTime Now() const = 0;
+    // The same moment in UTC. Clocks of tests know one time zone only.
+    virtual LocalTime UtcNow() const { return Now(); }
     // Milliseconds since some fixed moment; never goes back.
     virtual std::uint64_t TickMs() const = 0;
 };

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -65,6 +66,25 @@ private:
     bool failed_ = false;
 };
 
+// While one lives, it hears of input that does not come: its function is called when a read from
+// what is no regular file has waited for a second, once a read. Process-wide and not locked, as the
+// program has one thread.
+class PauseListener {
+public:
+    explicit PauseListener(std::function<void()> function);
+    ~PauseListener();
+    PauseListener(const PauseListener&) = delete;
+    PauseListener& operator=(const PauseListener&) = delete;
+
+    static constexpr int kPauseMs = 1000;
+    static bool IsThere();
+    // Calls the function of the innermost one.
+    static void Tell();
+
+private:
+    std::function<void()> outer_;
+};
+
 // A file open for writing. Destruction closes it, with an outcome that nobody sees: see Close.
 class OutputFile {
 public:
@@ -81,14 +101,21 @@ public:
     // FIFO is waited for until somebody reads it.
     static std::unique_ptr<OutputFile> Open(ErrorRecord& error, const String& name, Mode mode);
 
+    // Standard output, whatever it leads to: it is never emptied, locked, cut back or closed.
+    static std::unique_ptr<OutputFile> StandardOutput();
+
     // False for a pipe, a FIFO or a device: nothing can be read back from it.
     virtual bool IsRegular() const = 0;
+    // True for what shows each write to a person.
+    virtual bool IsTerminal() const { return false; }
     // Writes all of `bytes` at the current position. When fewer reach the file (disk full), it is
     // cut back to where it was, so that it ends with the last whole record; `error` then holds the
     // system's text and code.
     virtual bool Write(ErrorRecord& error, std::span<const std::byte> bytes) = 0;
     // Reads from the start of the file into `bytes`; `count` is how many were there.
     virtual bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) = 0;
+    // Hands on what a file has gathered that does not write at once; fails as Write does.
+    virtual bool Flush(ErrorRecord& /*error*/) { return true; }
     // Moves to the end; `position` is where that is, 0 for what has no length. False when the
     // system refuses, and writing would begin who knows where.
     virtual bool SeekEnd(ErrorRecord& error, std::uint64_t& position) = 0;

@@ -1,8 +1,26 @@
 #include <algorithm>
+#include <utility>
 
 #include "platform/file_system.h"
 
 namespace platform {
+namespace {
+
+std::function<void()>& PauseFunction() {
+    static std::function<void()> function;
+    return function;
+}
+
+}  // namespace
+
+PauseListener::PauseListener(std::function<void()> function)
+    : outer_(std::exchange(PauseFunction(), std::move(function))) {}
+
+PauseListener::~PauseListener() { PauseFunction() = std::move(outer_); }
+
+bool PauseListener::IsThere() { return static_cast<bool>(PauseFunction()); }
+
+void PauseListener::Tell() { PauseFunction()(); }
 
 std::size_t InputFile::Read(std::span<std::byte> bytes) {
     if (!put_back_.empty()) {

@@ -45,7 +45,15 @@ bool DataProvider::Create(String& error, const SectionSettings& settings,
     return false;
 }
 
-bool DataProvider::HasMoreData(String&, RowSet&) { return false; }
+bool DataProvider::HasMoreData(String&, RowSet&) {
+    loss_.clear();
+    return false;
+}
+
+bool DataProvider::KeepForReopening(String& error) {
+    error = u"This source can be read only once.";
+    return false;
+}
 
 bool DataProvider::Describe(String& error, const SectionSettings& settings, RowSet& rows) {
     const bool described = Open(error, settings, rows);

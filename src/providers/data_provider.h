@@ -47,6 +47,11 @@ public:
     // False for a source that can be read only once, such as standard input.
     virtual bool CanReopen() const { return true; }
 
+    // Between Open and the first Fetch: takes all that there is to read to where it can be read
+    // again, so that CanReopen becomes true. Open must then be called anew.
+    // Fails with "This source can be read only once.", or with the reason.
+    virtual bool KeepForReopening(String& error);
+
     // Describes the columns as Open does, without reading rows or changing anything.
     virtual bool Describe(String& error, const SectionSettings& settings, RowSet& rows);
 
@@ -60,8 +65,13 @@ public:
     virtual std::uint64_t Skipped() const { return 0; }
     virtual std::uint64_t Rejected() const { return 0; }
 
+    // Characters that were none, and became U+FFFD.
+    virtual std::uint64_t ReplacedCharacters() const { return 0; }
+
     // The file that is being read; empty for what is none.
     virtual String InputFile() const { return {}; }
+    // How many bytes of that file have been read, from its start.
+    virtual std::uint64_t ReadBytes() const { return 0; }
     // The line of that file, from 1, where the latest row began; 0 without one.
     virtual std::uint64_t Line() const { return 0; }
     // How much has been read, from 0 to 1, where the size of all is known.

@@ -89,9 +89,13 @@ bool DatabaseContent::ListTables(String& error, const String& names) {
     return database_->Tables(error, tables_, DataStorages::TableKind::Tables);
 }
 
+// A table that breaks off is no error of the step's own: the next one may follow.
+bool DatabaseContent::Fetch(String& /*error*/, RowSet& rows, bool track_widths) {
+    String reason;
+    return DatabaseSource::Fetch(reason, rows, track_widths);
+}
+
 bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
-    if (!error.empty()) WarnOfLoss(error);  // of the table before
-    error.clear();
     loss_.clear();
     while (database_ && next_ != tables_.size()) {
         const TableEntry& table = tables_[next_++];

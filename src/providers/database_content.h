@@ -19,6 +19,7 @@ public:
     // The database's own messages; after a failed query the query text follows on its own line.
     // Without a text where there is no table.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+    bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     // Goes on to the next table. One that cannot be read ends the rows, is left out with a notice,
     // or fails the step, as `MissingTables` says.
     bool HasMoreData(String& error, RowSet& rows) override;

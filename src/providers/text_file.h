@@ -1,52 +1,92 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <vector>
 
-#include "files/dfile.h"
-#include "files/line_splitter.h"
+#include "files/record_reader.h"
+#include "files/recorded_input.h"
+#include "files/reject_file.h"
 #include "providers/data_provider.h"
 
 namespace DataProviders {
 
-// Reads a delimited text file, or standard input, as one result set: a row a line.
+// Reads a text file, or standard input, as one result set: a row a record.
 class TextFile final : public DataProvider {
 public:
     static KeyList Keys();
 
     // "'Name' parameter not specified."
     // "File '%s' does not exist or inaccessible."
-    // The file layer's messages. Without a first line, where one is needed for the columns, fails
-    // without a text when `Header` is set; otherwise there are no columns.
+    // Keys that contradict each other, see ReadLayout; the file layer's messages. Without a first
+    // record, where one is needed for the columns, fails when `Header` is set, with
+    // "File '%s' is empty." or without a text as the edition says; otherwise there are no columns.
+    // A line of names that cannot be read fails with its line and RecordReader::Fault.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
-    // An empty field is NULL, except in a text column. Fails with
-    // "Could not read the file to its end." when the system cannot read on; so does Open.
+    // Which fields are NULL: see docs/text-source.md. Fails with
+    // "Could not read the file to its end." when the system cannot read on; so does Open. A bad row
+    // that stops the step fails with RecordReader::Fault, "%u fields where %u columns are.", or
+    // what RejectFile says.
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     bool Close() override;
-    bool CanReopen() const override { return file_.CanReopen(); }
+    bool CanReopen() const override;
+    bool KeepForReopening(String& error) override;
     String InputFile() const override { return input_file_; }
-    std::uint64_t Line() const override { return line_number_; }
+    std::uint64_t Skipped() const override { return skipped_; }
+    std::uint64_t Rejected() const override { return reject_file_.Count(); }
+    std::uint64_t ReplacedCharacters() const override;
+    std::uint64_t ReadBytes() const override { return reader_ ? reader_->ReadBytes() : 0; }
+    std::uint64_t Line() const override { return reader_ ? reader_->Line() : 0; }
+    std::optional<double> ReadShare() const override;
 
 private:
-    bool OpenInput(String& error, const SectionSettings& settings);
-    void ReadLayout(const SectionSettings& settings);
-    bool ReadLine(String& error);
-    bool ReadDataLine(String& error);
-    void Split(OuterQuotes outer) { SplitLine(line_, delimiter_, quote_, outer, fields_); }
+    // What becomes of a record that does not fit the columns.
+    enum class BadRow { Skip, Stop, Reject, Deliver };
+    enum class Fate { Delivered, Dropped, Fatal };
+
+    bool FindInput(String& error, const SectionSettings& settings);
+    bool ReadLayout(String& error, const SectionSettings& settings);
+    bool ReadBadRows(String& error, const SectionSettings& settings);
+    bool OpenReader(String& error);
+    std::unique_ptr<platform::InputFile> OpenStream();
+    bool ReadNames(String& error, const SectionSettings& settings);
+    bool ReadFirstRecord(String& error);
     void DescribeColumns(RowSet& rows) const;
 
-    dFile file_;
+    bool NextRecord(String& error);
+    bool IsBlank() const;
+    bool TakeBlank(RowSet& rows);
+    Fate FateOf(String& error, std::size_t columns);
+    Fate FateOfBad(String& error, BadRow handling, StringView reason);
+    Fate Fail(String& error, StringView reason);
+    void Deliver(RowSet& rows) const;
+    bool IsNull(const RecordField& field, const RowSet& rows, std::size_t position) const;
+
+    String name_;
     String input_file_;  // empty for standard input
-    std::uint64_t line_number_ = 0;
-    bool has_comments_ = false;
-    char16_t comment_ = 0;
-    bool skip_incomplete_lines_ = true;
     bool header_ = true;
-    char16_t delimiter_ = u'\t';
-    String quote_;
+    RecordLayout layout_;
+    RecordEncoding encoding_;
     std::vector<String> type_words_;
-    String line_;                     // the current line, reused
-    std::vector<StringView> fields_;  // of the current line
-    bool line_pending_ = false;       // the current line is still to be delivered
+    std::optional<String> null_text_;  // without quotes it stands for NULL
+    char16_t quote_ = 0;
+    std::unique_ptr<RecordReader> reader_;
+    bool may_spool_ = false;                      // whether it may have to be read twice
+    RecordedInput* recorded_ = nullptr;           // what reader_ reads, where that can be spooled
+    std::shared_ptr<platform::SpoolFile> spool_;  // what is read from now on
+
+    bool row_follows_columns_ = false;  // otherwise it has as many values as the first record
+    bool rest_is_null_ = false;         // of a short row; otherwise it keeps the values before
+    BadRow short_rows_ = BadRow::Skip;
+    BadRow long_rows_ = BadRow::Deliver;
+    BadRow faulty_rows_ = BadRow::Stop;
+    bool names_lines_ = false;  // failures say their line themselves
+    RejectFile reject_file_;
+    std::uint64_t skipped_ = 0;
+    std::uint64_t replaced_ = 0;  // of a file that has been closed
+
+    bool record_pending_ = false;       // the current record is still to be delivered
+    std::uint64_t blanks_pending_ = 0;  // so are so many records without a character before it
 };
 
 }  // namespace DataProviders

@@ -11,9 +11,12 @@ constexpr StringView kBuildDate = u"Mar 19 2020";
 }  // namespace
 
 // The version numbers come from the build, where the project's version is kept.
+String VersionNumber() {
+    return Format(u"%d.%02d.%02d", QUILLON_VERSION_MAJOR, QUILLON_VERSION_MINOR,
+                  QUILLON_VERSION_BUILD);
+}
+
 String BannerLine() {
     const StringView title = kProductTitle.substr(0, kProductTitle.find(u'\\'));
-    const String version = Format(u"%d.%02d.%02d [%s], 64 bit", QUILLON_VERSION_MAJOR,
-                                  QUILLON_VERSION_MINOR, QUILLON_VERSION_BUILD, kBuildDate);
-    return Format(u"%s %s. %s", title, version, kMakersNotice);
+    return Format(u"%s %s [%s], 64 bit. %s", title, VersionNumber(), kBuildDate, kMakersNotice);
 }

@@ -7,8 +7,9 @@
 #include "core/logger.h"
 #include "files/format.h"
 #include "platform/console.h"
+#include "platform/file_system.h"
 #include "run/logger_console.h"
-#include "run/manager.h"
+#include "run/report_error.h"
 
 DataStep::DataStep(Configuration& configuration, std::size_t index, const RunOptions& options,
                    Quillon::Logger& logger, const Quillon::LoggerConsole& console,
@@ -49,13 +50,18 @@ void DataStep::ReadSettings() {
 
 // ---- Failures ----
 
-// Writes a failure, with the place where it happened where the job wants that.
+// Writes a failure, with the place where it happened where the job wants that. What was written
+// before it arrives first; where it does not, that is told as well.
 void DataStep::Report(String& error) {
+    String loss;
+    if (target_) target_->WriteOut(loss);
     if (progress_line_) progress_line_->Clear();
     if (configuration_.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration_, at_work_));
     }
-    Manager::ReportError(error, logger_, {});
+    failure_ = error.empty() ? loss : error;
+    ReportError(error, logger_, {});
+    ReportError(loss, logger_, {});
 }
 
 bool DataStep::Fail(String& error) {
@@ -113,7 +119,7 @@ bool DataStep::CreateTransformers(String& error) {
 bool DataStep::OpenTarget(String& error) {
     if (!target_) return true;
     at_work_ = {Section::Target};
-    if (source_) target_->KeepClearOf(source_->InputFile());
+    if (source_) target_->KeepClearOf(source_->InputFile(), source_->ReadBytes());
     if (!target_->Open(error, target_settings_)) {
         target_.reset();
         return GoOnWithout(error) && TransformColumns(error);
@@ -133,12 +139,18 @@ bool DataStep::TransformColumns(String& error) {
 
 // ---- Rows ----
 
-// Reads the whole source once, so that fixed-width columns can be lined up, and opens it again. A
-// source that describes its columns anew keeps the widths that were measured, and what the
-// transformers made of the columns.
+// Columns of fixed width line up when the whole source has been read once before.
 bool DataStep::MeasureWidths(String& error) {
-    const bool wanted = target_ && target_->MeasuresWidths();
-    if (!wanted || !source_ || !source_->CanReopen()) return true;
+    if (!source_ || !target_ || !target_->MeasuresWidths()) return true;
+    return configuration_.Follows(Rule::WidthsAsWritten) ? MeasureWritten(error)
+                                                         : MeasureRead(error);
+}
+
+// Measures what the source itself measures, in its first result set, and opens it again. A source
+// that describes its columns anew keeps the widths that were measured, and what the transformers
+// made of the columns.
+bool DataStep::MeasureRead(String& error) {
+    if (!source_->CanReopen()) return true;
     String failure;
     while (source_->Fetch(failure, rows_, true)) {
     }
@@ -160,8 +172,57 @@ bool DataStep::MeasureWidths(String& error) {
     return true;
 }
 
+// Measures what the target would write, in every result set, and opens the source again.
+bool DataStep::MeasureWritten(String& error) {
+    at_work_ = {Section::Source};
+    if (!source_->CanReopen() && !(source_->KeepForReopening(error) && ReopenSource(error))) {
+        return Fail(error);
+    }
+    const std::vector<ColumnDefinition> columns = rows_.Columns;
+    do {
+        if (!MeasureResultSet(error)) return Fail(error);
+        std::vector<std::uint64_t>& widths = set_widths_.emplace_back();
+        for (const ColumnDefinition& column : rows_.Columns) widths.push_back(column.MaxWidth);
+    } while (source_->HasMoreData(error, rows_));
+    EndReading(error);
+    if (failed_ || !ReopenSource(error)) return Fail(error);
+    rows_read_ = 0;
+    rows_.Columns = columns;  // as the transformers have made them
+    TakeWidths();
+    return true;
+}
+
+bool DataStep::MeasureResultSet(String& error) {
+    target_->MeasureNames(rows_);
+    while (FetchRow(error)) {
+        if (!TransformRow(error)) return false;
+        if (!rows_.SkipRow) target_->MeasureRow(rows_);
+    }
+    return !failed_;
+}
+
+bool DataStep::ReopenSource(String& error) {
+    at_work_ = {Section::Source};
+    source_->Close();
+    rows_.ClearRow();
+    error.clear();
+    return source_->Open(error, source_settings_, rows_);
+}
+
+// Gives the columns of the result set that begins the widths that were measured for it.
+void DataStep::TakeWidths() {
+    if (next_set_ >= set_widths_.size()) return;
+    const std::vector<std::uint64_t>& widths = set_widths_[next_set_++];
+    const std::size_t count = std::min(widths.size(), rows_.Columns.size());
+    for (std::size_t i = 0; i < count; ++i) rows_.Columns[i].MaxWidth = widths[i];
+}
+
 bool DataStep::MoveRows(String& error) {
     const ScopedState state(u"Main loop");
+    const platform::PauseListener pauses([this] {
+        String told_by_next_write;
+        if (target_) target_->WriteOut(told_by_next_write);
+    });
     do {
         while (FetchRow(error)) {
             if (!MoveRow(error)) return Fail(error);
@@ -172,11 +233,13 @@ bool DataStep::MoveRows(String& error) {
 
 // Reads the next row; false at the end of a result set, or of all where failed_ says so.
 bool DataStep::FetchRow(String& error) {
+    error.clear();  // what an earlier call said is no part of this one
     if (!source_) return false;
     if (source_->Fetch(error, rows_, false)) {
         ++rows_read_;
         return true;
     }
+    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     return EndReading(error);
 }
 
@@ -185,7 +248,6 @@ bool DataStep::FetchRow(String& error) {
 // `error` is told anyway. Always false.
 bool DataStep::EndReading(String& error) {
     if (error.empty() && source_->Loss().empty()) return false;
-    at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
     const bool lost = !source_->Loss().empty();
     failed_ = lost && (on_read_error_ == OnReadError::Stop || source_->LossFailsStep());
     if (!lost) return false;
@@ -199,7 +261,11 @@ bool DataStep::EndReading(String& error) {
 
 bool DataStep::MoveRow(String& error) {
     if (!TransformRow(error)) return false;
-    if (rows_.SkipRow) return true;
+    if (rows_.SkipRow) {
+        ++left_out_;
+        return true;
+    }
+    error.clear();
     if (target_ && !target_->Write(error, rows_)) {
         at_work_ = {Section::Target, 0, rows_read_, source_->Line()};
         return false;
@@ -224,24 +290,24 @@ bool DataStep::TransformRow(String& error) {
 // Moves on to the source's next result set; false at the end, and where moving on has failed.
 // Reading that ended in a failure is told of here.
 bool DataStep::NextResultSet(String& error) {
-    String set_error = std::move(error);
+    String reading = std::move(error);  // what ended the last result set
     error.clear();
-    const bool more = source_ && source_->HasMoreData(set_error, rows_);
-    if (source_ && !more) EndReading(set_error);
-    if (failed_) {
-        error = std::move(set_error);
-        return false;
-    }
+    const bool more = source_ && source_->HasMoreData(error, rows_);
+    at_work_ = {Section::Source};
+    if (source_ && !more) EndReading(error);
+    if (failed_) return false;
+    if (more) TakeWidths();
     if (more && target_) {
-        Manager::ReportError(set_error, logger_, {});  // of the reading that ended the last one
+        ReportError(reading, logger_, {});
         return BeginNextResultSet(error);
     }
-    if (!set_error.empty()) {
-        Manager::ReportError(set_error, logger_, u"HasMoreData: " + set_error);
-    } else if (!more && !measuring_failure_.empty()) {
-        // The second reading did not meet it, so nobody else tells.
-        Manager::ReportError(set_error, logger_, u"HasMoreData: " + measuring_failure_);
+    // The second reading may not have met what the measuring one did; then nobody else tells.
+    for (const String& text : {error, reading, more ? String() : measuring_failure_}) {
+        if (text.empty()) continue;
+        ReportError(error, logger_, u"HasMoreData: " + text);
+        break;
     }
+    error.clear();
     return more;
 }
 
@@ -256,7 +322,7 @@ bool DataStep::BeginNextResultSet(String& error) {
         failed_ = true;
         return false;
     }
-    Manager::ReportError(error, logger_, {});
+    ReportError(error, logger_, {});
     error.clear();
     return true;
 }
@@ -270,6 +336,18 @@ bool DataStep::CloseAll(String& error) {
 }
 
 // ---- Telling ----
+
+void DataStep::Describe(StepReport& report) const {
+    report.error = failure_;
+    const std::uint64_t refused = target_ ? target_->Rejected() : 0;
+    report.rows_written = items_ - std::min(items_, refused);
+    report.rows_skipped = left_out_ + (source_ ? source_->Skipped() : 0);
+    report.rows_rejected = refused + (source_ ? source_->Rejected() : 0);
+    report.rows_read = report.rows_written + report.rows_skipped + report.rows_rejected;
+    if (!target_) return;
+    report.bytes_written = target_->WritesBytes() ? target_->WrittenSize() : 0;
+    report.files = target_->Files();
+}
 
 void DataStep::ShowProgress() {
     if (dot_interval_ != 0 && !options_.silent && items_ % dot_interval_ == 0) console_.Show(u".");
@@ -289,7 +367,9 @@ void DataStep::WriteLosses() const {
     tell(source_ ? source_->Skipped() : 0, u"records skipped");
     tell((source_ ? source_->Rejected() : 0) + (target_ ? target_->Rejected() : 0),
          u"rows rejected");
-    tell(target_ ? target_->ReplacedCharacters() : 0, u"characters replaced");
+    tell((source_ ? source_->ReplacedCharacters() : 0) +
+             (target_ ? target_->ReplacedCharacters() : 0),
+         u"characters replaced");
 }
 
 // The total counts from the start of the run, so it is cumulative over the steps.

@@ -15,6 +15,7 @@
 #include "platform/clock.h"
 #include "providers/data_provider.h"
 #include "run/progress_line.h"
+#include "run/run_report.h"
 #include "run/step_place.h"
 #include "transformers/data_transformer.h"
 
@@ -43,6 +44,9 @@ public:
     // has then been written through the logger.
     bool Run(String& error);
 
+    // Notes what has been moved, after Run.
+    void Describe(StepReport& report) const;
+
 private:
     void ReadSettings();
     bool PrepareAll(String& error);
@@ -54,6 +58,11 @@ private:
     bool CloseAll(String& error);
 
     bool MeasureWidths(String& error);
+    bool MeasureRead(String& error);
+    bool MeasureWritten(String& error);
+    bool MeasureResultSet(String& error);
+    bool ReopenSource(String& error);
+    void TakeWidths();
     bool MoveRows(String& error);
     bool FetchRow(String& error);
     bool MoveRow(String& error);
@@ -86,9 +95,13 @@ private:
     std::unique_ptr<DataProviders::DataProvider> source_;  // null when it cannot be used
     std::unique_ptr<DataConsumers::DataConsumer> target_;  // likewise, and in a step without one
     std::vector<std::unique_ptr<DataTransformers::DataTransformer>> transformers_;
-    StepRole at_work_;          // for the message of a failure
+    String failure_;                                      // the last one that was reported
+    StepRole at_work_;                                    // for the message of a failure
+    std::vector<std::vector<std::uint64_t>> set_widths_;  // measured, of each result set
+    std::size_t next_set_ = 0;                            // in set_widths_
     String measuring_failure_;  // what ended the reading that measured widths, if it failed
     bool failed_ = false;       // reading or going on has failed the step
     std::uint64_t rows_read_ = 0;
     std::uint64_t items_ = 0;
+    std::uint64_t left_out_ = 0;  // rows that a transformer wished away
 };

@@ -7,6 +7,7 @@
 #include "config/job_keys.h"
 #include "config/section_settings.h"
 #include "config/switches.h"
+#include "consumers/file_target.h"
 #include "files/format.h"
 #include "platform/console.h"
 #include "platform/file_system.h"
@@ -14,6 +15,7 @@
 #include "run/check_run.h"
 #include "run/data_step.h"
 #include "run/logger_file.h"
+#include "run/report_error.h"
 #include "run/step_place.h"
 #include "run/step_selection.h"
 #include "system/system_step.h"
@@ -28,10 +30,7 @@ Words GlobalWord(const Configuration& configuration, Key key) {
 }  // namespace
 
 bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView message) {
-    if (!message.empty()) error = message;
-    String ignored;
-    if (!error.empty()) logger.Write(ignored, error, 0);
-    return false;
+    return ::ReportError(error, logger, message);
 }
 
 // The edition and the stream of messages are settled before the banner, which is the first message.
@@ -46,23 +45,27 @@ bool Manager::Run(String& error, Configuration& configuration) {
     const bool settled = configuration.Settle(error, path);
     silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
     const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
-    console_ = Quillon::LoggerConsole(to_error ? Quillon::LoggerConsole::Stream::Error
-                                               : Quillon::LoggerConsole::Stream::Output);
+    stream_ =
+        to_error ? Quillon::LoggerConsole::Stream::Error : Quillon::LoggerConsole::Stream::Output;
+    console_ = Quillon::LoggerConsole(stream_);
     mask_ = SecretMask(configuration);
-    const NoticeReceiver notices([this](StringView text, NoticeStream stream) {
-        const String masked = mask_.Masked(text);
-        if (stream == NoticeStream::Output) {
-            platform::WriteOutputText(masked);
-        } else {
-            platform::WriteErrorText(masked);
-        }
-    });
+    const NoticeReceiver notices(
+        [this](StringView text, NoticeStream stream) { TakeNotice(text, stream); });
     String ignored;
     if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
-    if (!settled) return ReportError(error, console_logger_, {});
-    if (!LoadJob(error, configuration, path)) return false;
+    report_.Begin(path, clock_.UtcNow());
+    const bool loaded =
+        settled ? LoadJob(error, configuration, path) : ReportError(error, console_logger_, {});
+    const bool succeeded = loaded && RunJob(error, configuration);
+    return WriteReport(configuration, succeeded, error) && succeeded;
+}
+
+// Runs a job that has been read.
+bool Manager::RunJob(String& error, Configuration& configuration) {
+    String ignored;
     mask_ = SecretMask(configuration);
     if (!ExamineCommandLine(error, configuration)) return false;
+    report_.Describe(configuration);
     if (configuration.CommandLine().Find(kCheckSwitch->name) != nullptr) {
         return Check(error, configuration);
     }
@@ -78,6 +81,26 @@ bool Manager::Run(String& error, Configuration& configuration) {
     return RunSteps(error, configuration);
 }
 
+void Manager::TakeNotice(StringView text, NoticeStream stream) {
+    const String masked = mask_.Masked(text);
+    if (running_) report_.Step(*running_).warnings.push_back(masked.substr(0, masked.find(u'\n')));
+    if (stream == NoticeStream::Output && !output_is_owned_) {
+        platform::WriteOutputText(masked);
+    } else {
+        platform::WriteErrorText(masked);
+    }
+}
+
+bool Manager::WriteReport(const Configuration& configuration, bool succeeded, const String& error) {
+    const String path = configuration.Text(Section::CommandLine, kReportSwitch);
+    if (path.empty()) return true;
+    String failure;
+    if (report_.Write(failure, path, mask_, StatusOf(succeeded), error, clock_.UtcNow())) {
+        return true;
+    }
+    return ReportError(failure, console_logger_, {});
+}
+
 bool Manager::LoadJob(String& error, Configuration& configuration, const String& path) {
     if (platform::PathExists(path)) {
         return configuration.Read(error, path) || ReportError(error, console_logger_, {});
@@ -91,9 +114,13 @@ bool Manager::LoadJob(String& error, Configuration& configuration, const String&
 }
 
 bool Manager::ExamineCommandLine(String& error, Configuration& configuration) {
-    std::vector<Finding> findings = CheckSwitches(configuration);
+    const bool checks = configuration.CommandLine().Find(kCheckSwitch->name) != nullptr;
+    std::vector<Finding> findings =
+        CheckSwitches(configuration, checks ? CheckDepth::Whole : CheckDepth::Refusals);
     std::vector<std::size_t> steps;
-    if (!SelectSteps(error, configuration, steps)) findings.push_back({{}, true, error});
+    if (findings.empty() && !SelectSteps(error, configuration, steps)) {
+        findings.push_back({{}, true, error});
+    }
     error.clear();
     refused_command_line_ = !TellFindings(error, configuration, findings);
     return !refused_command_line_;
@@ -145,20 +172,45 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
     if (!configuration.AdditonalCmdLine(error, index)) {
         return ReportError(error, console_logger_, {});
     }
+    ChooseStream(configuration);
     if (!OpenStepLog(error, configuration)) return false;
-    bool done = false;
-    if (!configuration.Step(index).List(Section::System).Empty()) {
-        done = RunSystemSection(error, configuration);
-    } else {
-        const RunOptions options{silent_, stop_on_error_, run_start_ms_};
-        done =
-            DataStep(configuration, index, options, *active_logger_, console_, clock_).Run(error);
-    }
+    const bool done = RunReportedStep(error, configuration, index);
     // A failure that counts is remembered, so that the run does not end as if there were none.
     if (done || stop_on_error_ || !configuration.Follows(Rule::FailedStepsCount)) return done;
     failed_steps_.push_back(index);
     error.clear();
     return true;
+}
+
+// Messages keep out of data that a step writes to standard output.
+void Manager::ChooseStream(Configuration& configuration) {
+    output_is_owned_ = DataConsumers::FileTarget::OwnsStandardOutput(
+        SectionSettings(configuration, Section::Target));
+    console_ =
+        Quillon::LoggerConsole(output_is_owned_ ? Quillon::LoggerConsole::Stream::Error : stream_);
+}
+
+// Only a run that reports looks at the clock here.
+bool Manager::RunReportedStep(String& error, Configuration& configuration, std::size_t index) {
+    const bool reports = !configuration.Text(Section::CommandLine, kReportSwitch).empty();
+    const std::uint64_t start_ms = reports ? clock_.TickMs() : 0;
+    StepReport& report = report_.Step(index);
+    running_ = index;
+    bool done = false;
+    if (report.command) {
+        done = RunSystemSection(error, configuration);
+        report.error = error;
+    } else {
+        const RunOptions options{silent_, stop_on_error_, run_start_ms_};
+        DataStep step(configuration, index, options, *active_logger_, console_, clock_);
+        done = step.Run(error);
+        step.Describe(report);
+    }
+    running_.reset();
+    report.status =
+        done && report.error.empty() ? StepReport::Status::Done : StepReport::Status::Failed;
+    if (reports) report.seconds = static_cast<double>(clock_.TickMs() - start_ms) / 1000.0;
+    return done;
 }
 
 bool Manager::OpenStepLog(String& error, const Configuration& configuration) {

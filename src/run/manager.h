@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "base/notices.h"
 #include "base/strings.h"
 #include "check/job_check.h"
 #include "check/secret_mask.h"
@@ -11,6 +13,7 @@
 #include "platform/clock.h"
 #include "run/logger_console.h"
 #include "run/logger_masked.h"
+#include "run/run_report.h"
 
 // Runs a job: banner, job file, then its steps one after another.
 class Manager {
@@ -26,20 +29,25 @@ public:
     // "Failed steps: %s." where the run went on behind failed steps
     bool Run(String& error, Configuration& configuration);
 
-    // True when Run failed because of the command line itself.
-    bool RefusedCommandLine() const { return refused_command_line_; }
+    // The exit statuses of the program.
+    enum ExitStatus : int { kSucceeded = 0, kRunFailed = 2, kCommandLineRefused = 4 };
+    // That of the run, once it has ended.
+    ExitStatus StatusOf(bool succeeded) const {
+        return succeeded ? kSucceeded : refused_command_line_ ? kCommandLineRefused : kRunFailed;
+    }
 
     // Makes the logger of a step: a file when a name is in force, else the console. A "-Log" name
     // wins over the step's.
     // "Could not open log file '%s' for writing [%s]."
     bool OpenLog(String& error, const String& step_log_name, bool overwrite);
 
-    // Reports a failure: a message that is not empty replaces `error`, which is then written
-    // through `logger` unless there is nothing to write. Always false, so that a caller can return
-    // it.
+    // See run/report_error.h.
     static bool ReportError(String& error, Quillon::Logger& logger, StringView message);
 
 private:
+    bool RunJob(String& error, Configuration& configuration);
+    bool WriteReport(const Configuration& configuration, bool succeeded, const String& error);
+    void TakeNotice(StringView text, NoticeStream stream);
     bool LoadJob(String& error, Configuration& configuration, const String& path);
     bool ExamineCommandLine(String& error, Configuration& configuration);
     bool TellFindings(String& error, const Configuration& configuration,
@@ -47,8 +55,10 @@ private:
     bool Check(String& error, Configuration& configuration);
     bool RunSteps(String& error, Configuration& configuration);
     bool RunStep(String& error, Configuration& configuration, std::size_t index);
+    bool RunReportedStep(String& error, Configuration& configuration, std::size_t index);
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
+    void ChooseStream(Configuration& configuration);
     bool TellFailedSteps(String& error);
 
     const platform::Clock& clock_;
@@ -58,9 +68,13 @@ private:
     std::uint64_t run_start_ms_ = 0;
     String log_file_name_;
     SecretMask mask_;
+    Quillon::LoggerConsole::Stream stream_ = Quillon::LoggerConsole::Stream::Output;
+    bool output_is_owned_ = false;  // by the data of the current step
     Quillon::LoggerConsole console_;
     Quillon::LoggerMasked console_logger_{console_, mask_};
     std::unique_ptr<Quillon::Logger> step_log_;  // what a step's messages are written through
     std::unique_ptr<Quillon::LoggerMasked> active_logger_;  // the same, secrets hidden
-    std::vector<std::size_t> failed_steps_;                 // positions from 0
+    RunReport report_;
+    std::optional<std::size_t> running_;     // the step that runs, from 0
+    std::vector<std::size_t> failed_steps_;  // positions from 0
 };

@@ -13,8 +13,6 @@
 
 namespace {
 
-enum ExitStatus : int { kSuccess = 0, kRunFailed = 2, kCommandLineRefused = 4 };
-
 bool ShowText(StringView text) {
     const std::string bytes = ToUtf8(text);
     return platform::WriteStandardOutput(std::as_bytes(std::span(bytes)));
@@ -23,12 +21,12 @@ bool ShowText(StringView text) {
 // Pages that are redirected into files are the same on every system, so lines end with LF.
 int ShowHelp(StringView word) {
     const String help = HelpOn(word);
-    if (!help.empty()) return ShowText(help) ? kSuccess : kRunFailed;
+    if (!help.empty()) return ShowText(help) ? Manager::kSucceeded : Manager::kRunFailed;
     const StringView nearest = NearestHelpWord(word);
     platform::WriteErrorText(
         Format(u"There is no help on '%s'.%s\n", word,
                nearest.empty() ? String() : Format(u" Did you mean '%s'?", nearest)));
-    return kCommandLineRefused;
+    return Manager::kCommandLineRefused;
 }
 
 }  // namespace
@@ -38,13 +36,13 @@ int ProgramMain(const std::vector<String>& arguments) {
     String error;
     Configuration configuration;
     Manager manager;
-    if (!configuration.ParseCommandLine(arguments)) return kCommandLineRefused;
+    if (!configuration.ParseCommandLine(arguments)) return Manager::kCommandLineRefused;
     if (const auto* help = configuration.CommandLine().Find(kHelpSwitch->name)) {
         return ShowHelp(help->value);
     }
     if (configuration.Flag(Section::CommandLine, kVersionSwitch)) {
-        return ShowText(BannerLine() + u"\n") ? kSuccess : kRunFailed;
+        return ShowText(BannerLine() + u"\n") ? Manager::kSucceeded : Manager::kRunFailed;
     }
-    if (manager.Run(error, configuration)) return kSuccess;
-    return manager.RefusedCommandLine() ? kCommandLineRefused : kRunFailed;
+    const bool succeeded = manager.Run(error, configuration);
+    return manager.StatusOf(succeeded);
 }

@@ -14,6 +14,10 @@ struct StepRole {
     std::uint64_t line = 0;       // of a source's file, from 1; likewise
 };
 
+// What the settings of a section of the current step name: a file, a table or a data source; empty
+// for nothing.
+String NameOfSection(Configuration& configuration, Section section);
+
 // What stands before the text of a failure in the current step:
 //     Step 2 (job.qpr:9), target TextFile 'out.csv', row 1234:
 // with a blank behind it. The name is that of the file, the table or the data source.

@@ -25,12 +25,21 @@ constexpr KeyTable kFileNameKeys({
      .names = Names::File,
      .needed = u"to"},
 });
-constexpr KeyTable kFolderNameKeys({
+constexpr KeyTable kFolderKeys({
     {.name = u"From",
      .meaning = u"the folder",
      .macros = Macros::Replaced,
      .names = Names::Folder,
      .needed = u"from"},
+});
+constexpr KeyTable kCopiedFolderKeys({
+    {.name = u"To",
+     .meaning = u"the folder that takes what is in it; made where it is missing",
+     .macros = Macros::Replaced,
+     .names = Names::MadeFolder,
+     .needed = u"to"},
+});
+constexpr KeyTable kMovedFolderKeys({
     {.name = u"To",
      .meaning = u"its new name",
      .macros = Macros::Replaced,
@@ -39,8 +48,9 @@ constexpr KeyTable kFolderNameKeys({
 });
 constexpr Key kFromFile = kFileNameKeys[u"From"];
 constexpr Key kToFile = kFileNameKeys[u"To"];
-constexpr Key kFromFolder = kFolderNameKeys[u"From"];
-constexpr Key kToFolder = kFolderNameKeys[u"To"];
+constexpr Key kFromFolder = kFolderKeys[u"From"];
+constexpr Key kCopiedFolder = kCopiedFolderKeys[u"To"];
+constexpr Key kMovedFolder = kMovedFolderKeys[u"To"];
 
 constexpr KeyTable kDeleteFileKeys({
     {.name = u"File",
@@ -178,7 +188,8 @@ std::optional<bool> IsProtected(ErrorRecord& reason, const String& folder) {
 }  // namespace
 
 KeyList FileNameKeys() { return {kFileNameKeys}; }
-KeyList FolderNameKeys() { return {kFolderNameKeys}; }
+KeyList CopyFolderKeys() { return {kFolderKeys, kCopiedFolderKeys}; }
+KeyList MoveFolderKeys() { return {kFolderKeys, kMovedFolderKeys}; }
 KeyList DeleteFileKeys() { return {kDeleteFileKeys}; }
 KeyList DeleteFolderKeys() { return {kDeleteFolderKeys}; }
 KeyList WriteFileKeys() { return {kWriteFileKeys}; }
@@ -197,7 +208,7 @@ bool MoveFileCommand(String& error, const SectionSettings& settings) {
 }
 
 bool CopyFolderCommand(String& error, const SectionSettings& settings) {
-    const PathNames names(settings, kFromFolder, kToFolder);
+    const PathNames names(settings, kFromFolder, kCopiedFolder);
     if (!CheckFolderNames(error, names, u"Copy Folder: ")) return false;
     constexpr StringView kPrefix = u"CopyFolder: ";
     ErrorRecord reason;
@@ -209,7 +220,7 @@ bool CopyFolderCommand(String& error, const SectionSettings& settings) {
 }
 
 bool MoveFolderCommand(String& error, const SectionSettings& settings) {
-    const PathNames names(settings, kFromFolder, kToFolder);
+    const PathNames names(settings, kFromFolder, kMovedFolder);
     return CheckFolderNames(error, names, u"Move Folder: ") && Move(error, names);
 }
 

@@ -8,7 +8,8 @@
 
 // The keys of the commands.
 KeyList FileNameKeys();
-KeyList FolderNameKeys();
+KeyList CopyFolderKeys();
+KeyList MoveFolderKeys();
 KeyList DeleteFileKeys();
 KeyList DeleteFolderKeys();
 KeyList WriteFileKeys();

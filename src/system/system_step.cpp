@@ -18,8 +18,8 @@ struct CommandWord {
 constexpr CommandWord kCommands[] = {
     {u"CopyFile", CopyFileCommand, FileNameKeys},
     {u"MoveFile", MoveFileCommand, FileNameKeys},
-    {u"CopyFolder", CopyFolderCommand, FolderNameKeys},
-    {u"MoveFolder", MoveFolderCommand, FolderNameKeys},
+    {u"CopyFolder", CopyFolderCommand, CopyFolderKeys},
+    {u"MoveFolder", MoveFolderCommand, MoveFolderKeys},
     {u"DeleteFile", DeleteFileCommand, DeleteFileKeys},
     {u"DeleteFolder", DeleteFolderCommand, DeleteFolderKeys},
     {u"WriteFile", WriteFileCommand, WriteFileKeys},

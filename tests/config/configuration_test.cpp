@@ -4,7 +4,7 @@
 
 #include <tuple>
 
-#include "core/row_set.h"
+#include "files/format.h"
 #include "support/fixed_clock.h"
 #include "support/one_step.h"
 
@@ -12,23 +12,86 @@ using namespace testing_support;
 
 const FixedClock kClock({987, 12, 5, 9, 7, 3});
 
+constexpr KeyTable kKeys({
+    {.name = u"Both", .edition1 = u"d", .edition2 = u"d"},
+    {.name = u"Global", .kind = KeyKind::Flag, .edition1 = u"1", .edition2 = u"1"},
+    {.name = u"Absent", .edition1 = u"d", .edition2 = u"e"},
+    {.name = u"Old",
+     .kind = KeyKind::Word,
+     .words = u"One Two CPnnnn",
+     .edition1 = u"One",
+     .edition2 = u"Two",
+     .macros = Macros::ByEdition,
+     .loose_words = 2},
+    {.name = u"New",
+     .kind = KeyKind::Word,
+     .words = u"One Two CPnnnn",
+     .edition1 = u"One",
+     .edition2 = u"Two",
+     .since = Since::Later},
+    {.name = u"Unheard", .edition1 = u"d", .edition2 = u"e", .since = Since::Edition2Only},
+    {.name = u"Room", .kind = KeyKind::Size, .edition2 = u"2K", .since = Since::Later},
+});
+
 TEST(Configuration, AsksTheSectionThenGlobalsThenTheDefault) {
     for (const Section section : {Section::Source, Section::Target, Section::Transform,
                                   Section::Settings, Section::System}) {
-        OneStep job(platform::SystemClock(), "Global=\"1\"\nBoth=1\nFlag=TRUE\n");
+        OneStep job(platform::SystemClock(), "Global=\"1\"\nBoth=1\n");
         const SectionSettings settings = job.With(section, {{u"Both", u""}});
-        EXPECT_EQ(settings.Text(u"Both", u"d"), u"");
-        EXPECT_EQ(settings.Text(u"Global", u"d"), u"1");
-        EXPECT_EQ(settings.Text(u"global", u"\"d\""), u"d");
-        EXPECT_TRUE(settings.Flag(u"Flag", false));
-        EXPECT_FALSE(settings.Flag(u"Both", true));
-        EXPECT_FALSE(settings.Flag(u"Global", true));  // booleans keep their quotes
+        EXPECT_EQ(settings.Text(kKeys[u"Both"]), u"");
+        EXPECT_EQ(settings.Text(kKeys[u"Global"]), u"1");
+        EXPECT_EQ(settings.Text(kKeys[u"Absent"]), u"d");
+        EXPECT_FALSE(settings.Flag(kKeys[u"Global"]));  // booleans keep their quotes
         job.Job().SetCurrentTransform(section == Section::Transform);
         job.Job().Step(0).AddTransform();
-        EXPECT_EQ(settings.Text(u"Both"), section == Section::Transform ? u"1" : u"");
+        EXPECT_EQ(settings.Text(kKeys[u"Both"]), section == Section::Transform ? u"1" : u"");
         job.Job().SetCurrentStep(1);  // there is none
-        EXPECT_EQ(settings.Text(u"Global", u"d"), u"d");
-        EXPECT_FALSE(settings.Flag(u"Flag", false));
+        EXPECT_EQ(settings.Text(kKeys[u"Both"]), u"d");
+        EXPECT_TRUE(settings.Flag(kKeys[u"Global"]));
+    }
+}
+
+// What values mean in each edition: a flag, the positions of words (9 for an unknown one), a text
+// and a size.
+TEST(Configuration, ReadsValuesByTheEdition) {
+    struct Case {
+        const char* name;
+        Settings settings;
+        std::string edition1, edition2;
+    };
+    for (const Case& c : {
+             Case{"defaults", {}, "1 0 0 d 0", "1 1 1 e 2048"},
+             Case{"empty values",
+                  {{u"Global", u""}, {u"Old", u""}, {u"New", u""}, {u"Room", u""}},
+                  "0 9 0 d 0",
+                  "1 1 1 e 2048"},
+             Case{"words in other letters",
+                  {{u"Old", u"two"}, {u"New", u"tWO"}},
+                  "1 9 1 d 0",
+                  "1 1 1 e 2048"},
+             Case{"numbered words",
+                  {{u"Old", u"CP932"}, {u"New", u"cp1252"}},
+                  "1 9 2 d 0",
+                  "1 2 2 e 2048"},
+             Case{"quotes and words of truth",
+                  {{u"Global", u"\"ON\""}, {u"Old", u"\"Two\""}},
+                  "0 1 0 d 0",
+                  "1 1 1 e 2048"},
+             Case{"macros", {{u"Old", u"$M$"}}, "1 9 0 d 0", "1 0 1 e 2048"},
+             Case{"a key that edition 1 does not know",
+                  {{u"Unheard", u"x"}, {u"Room", u"3k"}},
+                  "1 0 0 d 3072",
+                  "1 1 1 x 3072"},
+         }) {
+        for (const std::string edition : {"1", "2"}) {
+            OneStep job(platform::SystemClock(), "Edition=" + edition + "\n");
+            job.Job().ParseCommandLine({u"$M$=One"});
+            const SectionSettings read = job.With(Section::Target, c.settings);
+            const String values = Format(u"%d %d %d %s %I64u", read.Flag(kKeys[u"Global"]),
+                                         read.Word(kKeys[u"Old"], 9), read.Word(kKeys[u"New"], 9),
+                                         read.Text(kKeys[u"Unheard"]), read.Size(kKeys[u"Room"]));
+            EXPECT_EQ(ToUtf8(values), edition == "1" ? c.edition1 : c.edition2) << c.name;
+        }
     }
 }
 

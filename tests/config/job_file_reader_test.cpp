@@ -1,4 +1,4 @@
-#include "config/job_file_reader.h"
+#include "config/configuration.h"
 
 #include <gtest/gtest.h>
 
@@ -22,14 +22,32 @@ String Wrong(StringView item, const String& wanted, int line) {
     return Format(u"Incorrect configuration file item: '%s%s%d.", item, wanted, line);
 }
 
+// Reads a job in which "<" stands for the folder: its listing, items with "|" behind them, or the
+// error, with "<" for the folder again.
+String OutcomeOf(const testing_support::ScratchFolder& folder, std::string job) {
+    const String here = folder.Path() + u"/";
+    for (std::size_t at; (at = job.find('<')) < job.size();) job.replace(at, 1, ToUtf8(here));
+    folder.Write("job", job);
+    Configuration configuration;
+    testing_support::CollectingLogger listing;
+    String outcome;
+    if (configuration.Read(outcome, folder.Path("job"))) {
+        configuration.Globals().Dump(outcome, u"globals", listing);
+        configuration.Print(outcome, listing);
+    }
+    for (const String& line : listing.Messages())
+        outcome.append(text::Trim(line, text::kBlanks)).append(u"|");
+    text::ReplaceAll(outcome, here, u"<");
+    return outcome;
+}
+
 }  // namespace
 
 TEST(JobFile, BecomesAListingOrAnError) {
     const testing_support::ScratchFolder folder;
     folder.Write("items", "\xBF=1\nb=2\n");
     folder.Write("step", "Step 2\nTarget\n");
-    const std::string here = ToUtf8(folder.Path()) + "/";
-    for (auto [job, expected] : {
+    for (const auto& [job, expected] : {
              // errors at the start, after a step head, and among items
              Case{"step #1\n", kNoStep},
              Case{"Step \t\n", kNoStep},
@@ -60,19 +78,49 @@ TEST(JobFile, BecomesAListingOrAnError) {
              Case{"@include", u"@include statement. '' file is not accessible.\n"},
              Case{"@include \"", u"@include statement. '\"' file is not accessible.\n"},
          }) {
-        for (std::size_t at; (at = job.find('<')) < job.size();) job.replace(at, 1, here);
-        folder.Write("job", job);
-        Configuration configuration;
-        testing_support::CollectingLogger listing;
-        String outcome;
-        if (configuration.Read(outcome, folder.Path("job"))) {
-            configuration.Globals().Dump(outcome, u"globals", listing);
-            configuration.Print(outcome, listing);
-        }
-        for (const String& line : listing.Messages())
-            outcome.append(text::Trim(line, text::kBlanks)).append(u"|");
-        EXPECT_EQ(outcome, expected) << job;
+        EXPECT_EQ(OutcomeOf(folder, job), expected) << job;
     }
+}
+
+TEST(JobFile, OfEditionTwoIsReadWholeAndStrictly) {
+    const testing_support::ScratchFolder folder;
+    folder.Write("inner", "b=2\r\n\r\n; c=3\n");
+    folder.Write("outer", "@include " + ToUtf8(folder.Path("inner")) + "\nd=\xC5\xBB");
+    folder.Write("loop", "\n@include " + ToUtf8(folder.Path("loop")) + "\n");
+    folder.Write("latin", "\n\ne=\xE9\n");
+    const std::string globals = "Globals\n\nEdition=2\n";
+    for (const auto& [job, expected] : {
+             // comments begin behind a blank or at the start, includes go on, lines may be empty
+             Case{"a=b;c#d ;e\n\n#f\n;g\nh='i ;j' #k\n@include <outer\n",
+                  u"globals.Edition=2|globals.a=b;c#d|globals.h='i "
+                  u";j'|globals.b=2|globals.d=\u017B|"},
+             Case{"Step #1\nSource\n@include <inner\n\nTransform\na=;\n",
+                  u"globals.Edition=2|Step #0|source.b=2|transform0.a=;|"},
+             // mistakes name the file and its own line
+             Case{"Step 1\nSource\n@include <inner\nno item\n",
+                  u"<job:7: " + Wrong(u"no item", kItem, 7)},
+             Case{"@include <gone\n",
+                  u"<job:4: @include statement. '<gone' file is not accessible."},
+             Case{"@include <latin\n",
+                  u"<job:4: Error loading configuration file: File '<latin', line 3: the bytes are "
+                  u"not valid UTF-8."},
+             Case{"@include <loop\n",
+                  u"<loop:2: @include statement. '<loop' includes itself: '<job' -> '<loop' -> "
+                  u"'<loop'."},
+             Case{"Edition=3\n", u"Edition '3' is not known. Known are 1 and 2."},
+         }) {
+        EXPECT_EQ(OutcomeOf(folder, globals + job), expected) << job;
+    }
+    // Sixteen files deep is as far as includes go.
+    for (int depth = 1; depth <= 17; ++depth) {
+        folder.Write(std::to_string(depth),
+                     "@include " + ToUtf8(folder.Path(std::to_string(depth + 1))) + "\n");
+    }
+    folder.Write("17", "a=b\n");
+    EXPECT_TRUE(OutcomeOf(folder, globals + "@include <2\n").ends_with(u"globals.a=b|"));
+    EXPECT_TRUE(
+        OutcomeOf(folder, globals + "@include <1\n")
+            .starts_with(u"<16:1: @include statement. '<17' lies more than 16 files deep: "));
 }
 
 TEST(JobFile, TakesMacrosFromTheEnvironmentAfterThoseOfTheCommandLine) {

@@ -1,18 +1,14 @@
 #!/usr/bin/env python3
-"""What is reported when a program crashes, and how it ends. The program of crash.cpp crashes.
-usage: crash_test.py [--windows] [LAUNCHER] PROGRAM"""
-import os
+"""What is reported when a program crashes, and how it ends. The program of crash.cpp crashes."""
 import pathlib
 import re
 import resource
 import signal
-import subprocess
 import sys
-import tempfile
 import unittest
 
-WINDOWS = "--windows" in sys.argv
-COMMAND = [argument for argument in sys.argv[1:] if argument != "--windows"]
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from program import COMMAND, WINDOWS, Scene, run, run_tests  # noqa: E402
 
 ADDRESS = "[0-9A-F]{16}"
 PROGRAM = r".*[/\\]quillon_crash(\.exe)?"
@@ -49,16 +45,8 @@ else:
     }
 
 
-def run(*arguments, sanitizer="handle_segv=0:handle_sigbus=0:handle_sigfpe=0:detect_leaks=0"):
-    """The exit status, standard output and standard error. A sanitizer leaves the faults alone."""
-    with tempfile.TemporaryDirectory() as scratch:
-        # Through files: a launcher's background process may hold on to a pipe for long.
-        output, errors = pathlib.Path(scratch) / "stdout", pathlib.Path(scratch) / "stderr"
-        with output.open("wb") as out, errors.open("wb") as err:
-            status = subprocess.run(COMMAND + list(arguments), stdout=out, stderr=err, timeout=120,
-                                    stdin=subprocess.DEVNULL, cwd=scratch,
-                                    env=os.environ | {"ASAN_OPTIONS": sanitizer}).returncode
-        return status, output.read_bytes(), errors.read_bytes()
+# A sanitizer leaves the faults alone.
+QUIET = "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:detect_leaks=0"
 
 
 def status_after(fault):
@@ -72,30 +60,33 @@ def status_after(fault):
     return 1 if fault == "stack" else code & 0xFF
 
 
-class CrashReport(unittest.TestCase):
+class CrashReport(Scene):
+    def crash(self, *arguments, sanitizer=QUIET):
+        return run(self.path, *arguments, environment={"ASAN_OPTIONS": sanitizer})
+
     def test_line_and_end_of_each_fault(self):
         for fault, (code, address, module, *_) in FAULTS.items():
             with self.subTest(fault):
-                status, output, errors = run(fault)
+                status, output, errors = self.crash(fault)
                 line = (f"Internal product error: Code = 0x{code:08X}, Address = 0x{address} "
                         f"State=Testing in module={module}" + ("\r\n" if WINDOWS else "\n"))
                 self.assertRegex(output, re.compile(f"\\A{line}\\Z".encode()), errors)
                 self.assertEqual(status, status_after(fault))
 
     def test_nothing_is_reported_once_the_report_is_gone(self):
-        status, output, errors = run("null", "after")
+        status, output, errors = self.crash("null", "after")
         self.assertEqual(status, status_after("null"), errors)
         self.assertNotIn(b"Internal product error", output)
 
     @unittest.skipIf(WINDOWS, "the Windows runtime is not asked for its message")
     def test_uncaught_exception_is_told_on_standard_error(self):
-        self.assertIn(b"what():  thrown by the test\n", run("exception")[2])
+        self.assertIn(b"what():  thrown by the test\n", self.crash("exception")[2])
 
     @unittest.skipIf(WINDOWS, "there are no signals")
     def test_handlers_that_were_there_are_left_alone(self):
-        if b"AddressSanitizer" not in run("null", "after", sanitizer="detect_leaks=0")[2]:
+        if b"AddressSanitizer" not in self.crash("null", "after", sanitizer="detect_leaks=0")[2]:
             self.skipTest("only a sanitizer brings handlers along")
-        status, output, errors = run("null", sanitizer="detect_leaks=0")
+        status, output, errors = self.crash("null", sanitizer="detect_leaks=0")
         self.assertEqual((status, output), (1, b""))
         self.assertIn(b"AddressSanitizer: SEGV", errors)
 
@@ -103,4 +94,4 @@ class CrashReport(unittest.TestCase):
 if __name__ == "__main__":
     if not WINDOWS:
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    unittest.main(argv=sys.argv[:1])
+    run_tests(__doc__)

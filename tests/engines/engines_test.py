@@ -1,13 +1,10 @@
 #!/usr/bin/env python3
-"""Whole databases and their structure, read from real engines: SQLite, and PostgreSQL and MariaDB
-where QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers. Runs on
-Linux; usage: engines_test.py PROGRAM [unittest arguments]."""
-import os
+"""Whole databases and their structure, read from real engines; and databases that are built anew
+from the scripts of tables and rows. SQLite always takes part, PostgreSQL and MariaDB where
+QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
 import re
-import sys
-import unittest
 
-from support import EngineTest, MariaDb, Postgres, Sqlite, section, source, text_files
+from support import EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source, text_files
 
 # Each is a table's name and, in its only row, a value. The lone quote comes last: in a job file
 # what follows it, up to the next one, counts as quoted.
@@ -18,6 +15,35 @@ ODD_NAMES = ("plain", "MixedCase", "Order Details", " leading blank", "a.b.c", "
 LISTED_AS = {"a.b.c": '"a.b.c"', "sq[uare]": '"sq[uare]"', "[bracketed]": '"[bracketed]"',
              "ab]": "[a]b]",
              'qu"ote': '[qu"ote]', "semi;colon #1": '"semi;colon #1"', "a,b": "[a,b]"}
+
+# Column names and types as a table script can carry them: no blanks in names, sizes in
+# parentheses after "char" and "numeric" only.
+WHOLE = """
+create table customer (id integer not null, name varchar(60) not null, city varchar(40));
+create table "Order Details" (order_id integer not null, line integer not null,
+    price numeric(9,2) not null, discount numeric(5,4));
+create table "Größe.cm" (wert integer, größe numeric(6,1) not null);
+create table "o'clock" (at timestamp not null, day date, until time);
+create table calendar (day date not null, holiday varchar(30) default 'none',
+    open integer default 7);
+create table empty_one (id integer not null, note text);
+create table single (word varchar(20));
+create table measure (id integer not null, small real, large double precision);
+create table unicode (id integer not null, story text, mark char(3));
+create table "UPPER lower" (ID integer, flag boolean, total numeric(20,6));
+insert into customer values (1, 'O''Brien & Sons', 'Łódź'), (2, 'The "Red" Lion', null),
+    (3, 'semi;colon, comma', ''), (4, 'back\\slash', 'Zürich'), (5, '007', ' lead');
+insert into "Order Details" values (1, 1, 12.5, null), (1, 2, 1234567.89, 0.125), (2, 1, 0, 0);
+insert into "Größe.cm" values (1, 180.5), (null, 99);
+insert into "o'clock" values ('2024-02-29 23:59:58', '2024-02-29', '07:30:00'),
+    ('1999-12-31 00:00:00', null, null);
+insert into calendar values ('2024-12-25', 'Christmas', 0), ('2024-12-27', 'none', null);
+insert into single values ('one'), ('three'), ('two');
+insert into measure values (1, 0.5, 3.14159265358979), (2, -1.25, 1e+300), (3, null, null);
+insert into unicode values (1, 'emoji 😀 and 👩‍👩‍👧', 'ab'), (2, 'Zażółć gęślą jaźń 日本語', 'é'),
+    (3, '', null), (4, null, 'xyz');
+insert into "UPPER lower" values (1, true, 99999999999.125), (2, false, null), (3, null, -0.5);
+"""
 
 
 def quoted(name):
@@ -40,10 +66,9 @@ class Content:
         made = self.database("".join(map(named_table, self.names)))
         self.move(source("DatabaseContent", made) + text_files())
         self.assertEqual(self.files(), {name: f"name\n{name}\n" for name in self.names})
-
-    def test_odd_names_in_a_list(self):
-        made = self.database("".join(map(named_table, self.names)))
-        listed = [name for name in self.names if name not in ("plain", "PLAIN", "one_name")]
+        for path in self.path.glob("*.txt"):
+            path.unlink()
+        listed = [name for name in self.names if name.lower() not in ("plain", "one_name")]
         tables = ",".join(LISTED_AS.get(name, name) for name in listed)
         self.move(source("DatabaseContent", made, f"Tables={tables}") + text_files())
         self.assertEqual(self.files(), {name: f"name\n{name}\n" for name in listed})
@@ -65,12 +90,16 @@ class Content:
 
     def test_table_that_is_gone(self):
         made = self.database("".join(map(named_table, ("a", "b"))))
-        said = f'ODBCDatabase::Query execution error: {self.gone}\r\nselect \\* from "gone"'
-        done = self.run_job(source("DatabaseContent", made, "Tables=a,gone,b") + text_files())
-        self.assert_ends(done, 0, "HasMoreData: " + said)
-        self.assertEqual(self.files(), {"a": "name\na\n"})
-        done = self.run_job(source("DatabaseContent", made, "Tables=gone,b") + text_files())
-        self.assert_ends(done, 2, said)
+        self.assert_unreadable(made, "gone", self.gone)
+
+    def assert_unreadable(self, made, name, reason):
+        """Tables a and b may be read, the third may not: it ends the list, and at its start the
+        run."""
+        said = f'ODBCDatabase::Query execution error: {reason}\r\nselect \\* from "{name}"'
+        read = source("DatabaseContent", made, "Tables=LIST") + text_files()
+        self.assert_job(2, said, read.replace("LIST", f"{name},b"))
+        self.assertEqual(self.files(), {})
+        self.assert_job(0, "HasMoreData: " + said, read.replace("LIST", f"a,{name},b"))
         self.assertEqual(self.files(), {"a": "name\na\n"})
 
     def test_lists_of_tables_and_views(self):
@@ -116,6 +145,29 @@ class Content:
         self.assertTrue(views.startswith(f'create table {schema}"seen" (\r\n x '), views)
 
 
+class WholeDatabase:
+    """What holds for every engine whose scripts carry its types. `structure` tells each column of
+    each table."""
+
+    def test_whole_database_built_anew(self):
+        made, copy = self.database(WHOLE), self.database(name="copy")
+        self.move(source("DatabaseSchema", made, "ObjectType=AllTables", "WithColumns=1") +
+                  section("Target", "DDLScript", "Name=all.sql", "Encoding=UTF8", "Table=$TABLE$",
+                          'Delimiter=";"'),
+                  source("DatabaseContent", made) +
+                  section("Target", "SQLScript", "Name=all.sql", "BatchSize=2",
+                          'Table=""$TABLE$""', 'Delimiter=";"'))
+        copy.load(self.path / "all.sql")
+        structure = made.query(self.structure)
+        self.assertEqual(copy.query(self.structure), structure)
+        names = {name for name, *_ in structure}
+        self.assertEqual(len(names), WHOLE.count("create table"))
+        for name in names:
+            with self.subTest(name):
+                self.assertEqual(sorted(copy.rows(name), key=repr),
+                                 sorted(made.rows(name), key=repr))
+
+
 class ServerContent(Content):
     """What holds for every engine with schemas and users; a database is MariaDB's schema."""
     names = (*ODD_NAMES, "PLAIN")
@@ -131,24 +183,11 @@ class ServerContent(Content):
         self.assertEqual(self.files(), {"t": f"a\n{schemas[0]}\na\n{schemas[1]}\n"})
 
     def test_table_without_the_right_to_read_it(self):
-        made = self.database("".join(map(named_table, ("open", "secret", "later"))))
-        user = f"quillon_{os.getpid()}"
-        made.add_user(user)
-        self.addCleanup(made.drop_user, user)
-        for table in ("open", "later"):
-            made.run(f"grant select on {table} to {made.user(user)}")
-        said = f'ODBCDatabase::Query execution error: {self.denied}\r\nselect \\* from "secret"'
-        reader = made.as_user(user)
-        done = self.run_job(source("DatabaseContent", reader, "Tables=secret,open") + text_files())
-        self.assert_ends(done, 2, said)
-        self.assertEqual(self.files(), {})
-        done = self.run_job(source("DatabaseContent", reader, "Tables=open,secret,later") +
-                            text_files())
-        self.assert_ends(done, 0, "HasMoreData: " + said)
-        self.assertEqual(self.files(), {"open": "name\nopen\n"})
+        made = self.database("".join(map(named_table, ("a", "secret", "b"))))
+        self.assert_unreadable(self.reader(made, "a", "b"), "secret", self.denied)
 
 
-class SqliteContent(Content, EngineTest):
+class SqliteContent(Content, WholeDatabase, EngineTest):
     engine = Sqlite
     gone = r"\[SQLite\]no such table: gone \(1\),HY000,1"
     described = ("create table a_b (id integer primary key, name varchar(40) not null, "
@@ -156,9 +195,14 @@ class SqliteContent(Content, EngineTest):
     columns = ("id|INTEGER|9|10|1|NULL", "name|varchar(40)|40|10|0|NULL",
                "price|numeric(9,2)|2|10|1|7", "note|TEXT|0|10|1|NULL")
     view_columns = ("id|INTEGER|9|10|1|NULL", "name|varchar(40)|40|10|1|NULL")
+    # The driver tells of no default as NULL, and texts without quotes, which SQLite allows.
+    structure = """select t.name, c.name, lower(c.type), c."notnull",
+        nullif(trim(c.dflt_value, ''''), 'NULL')
+        from pragma_table_list t, pragma_table_info(t.name) c
+        where t.name not like 'sqlite%' order by t.name, c.cid"""
 
 
-class PostgresContent(ServerContent, EngineTest):
+class PostgresContent(ServerContent, WholeDatabase, EngineTest):
     engine = Postgres
     denied = "ERROR: permission denied for table secret;\nError while executing the query,42501,1"
     gone = 'ERROR: relation "gone" does not exist;\nError while executing the query,42P01,1'
@@ -168,6 +212,10 @@ class PostgresContent(ServerContent, EngineTest):
     columns = ("id|int4|10|0|0|", "name|varchar|40||0|", "price|numeric|9|2|1|7",
                "note|text|8190||1|'o''k'::text")
     view_columns = ("id|int4|10|0|1|", "name|varchar|40||1|")
+    structure = """select table_name, column_name, data_type, character_maximum_length,
+        numeric_precision, numeric_scale, datetime_precision, is_nullable, column_default
+        from information_schema.columns where table_schema = 'public'
+        order by table_name, ordinal_position"""
 
     def two_schemas(self, made):
         made.run('create schema "Left.hand"')
@@ -181,11 +229,10 @@ class PostgresContent(ServerContent, EngineTest):
         self.assertEqual(self.files(), {"out": "t\tb\tint4\t10\t0\t1\t\n"})
 
     def test_narrower_result_set(self):
-        done = self.run_job(source("DatabaseQuery", self.database(),
-                                   'Query="select 1 as a, 2 as b; select 3 as c"') +
-                            section("Target", "TextFile", "Name=out.txt", "EndOfLine=LF"))
-        self.assert_ends(done, 2, r"TextFile: Broken row structure "
-                         r"\[Values: 2, Structure: 1 for ''\]")
+        self.assert_job(2, r"TextFile: Broken row structure \[Values: 2, Structure: 1 for ''\]",
+                        source("DatabaseQuery", self.database(),
+                               'Query="select 1 as a, 2 as b; select 3 as c"') +
+                        section("Target", "TextFile", "Name=out.txt", "EndOfLine=LF"))
         self.assertEqual(self.files(), {"out": "1\t2\n"})
 
     def test_driver_that_refuses_its_catalogue(self):
@@ -196,9 +243,8 @@ class PostgresContent(ServerContent, EngineTest):
                 (("AllTables",), "ODBCDatabase::Tables. Tables list error: " + said),
                 (("AllViews",), "ODBCDatabase::Tables. Tables list error: " + said),
                 (("Table", "Name=t"), "Could not retrieve list of columns. Schema='',Table='t'")):
-            done = self.run_job(source("DatabaseSchema", made, "ObjectType=" + settings[0],
-                                       *settings[1:]) + text_files())
-            self.assert_ends(done, 2, message)
+            self.assert_job(2, message, source("DatabaseSchema", made, "ObjectType=" + settings[0],
+                                               *settings[1:]) + text_files())
 
 
 class MariaDbContent(ServerContent, EngineTest):
@@ -230,5 +276,4 @@ class MariaDbContent(ServerContent, EngineTest):
 
 
 if __name__ == "__main__":
-    EngineTest.program = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    run_tests(__doc__)

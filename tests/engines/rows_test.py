@@ -1,86 +1,88 @@
 #!/usr/bin/env python3
-"""Rows into tables of real engines, and rows that a table refuses. Engines and usage are those of
-engines_test.py."""
-import os
+"""Rows of real engines: the types of each, through an insert script, a text file and straight into
+a table; from each engine into each; rows that a table refuses. Types that do not come back are
+missing here and listed in the documents. SQLite always takes part, PostgreSQL and MariaDB where
+QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
 import re
-import sys
-import unittest
 
-from support import EngineTest, MariaDb, Postgres, Sqlite, source, target
+from support import EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source, table
 
-TEXTS = (
-    ("1 MiB", "0123456789abcdż\n" * 65536),
-    ("accents", "Zażółć gęślą jaźń, Größe, Ελλάδα, 日本語"),
-    ("beyond the basic plane", "😀 żółw 😁 👩‍👩‍👧 𝄞"),
-    ("empty", ""),
-    ("line ends", "a\r\nb\nc\rd\te"),
-    ("marks", """O'Brien ''s "name" \\' \\n %s {fn now()} ? $TABLE$ ; -- # /* */"""),
-    ("null", None),
-    ("word", "NULL"),
-)
-SALE = ("create table sale (id int primary key, name varchar(60) not null, price numeric(9,2), "
+TEXTS = ("''", "' lead'", "'O''Brien ''''s \"name\"'", "'NULL'",
+         r"'back\slash \n'", "'żółć 😀 👩‍👩‍👧 𝄞'", "'12'", "'%s {d} $T$ -- #'")
+LINES = ("'a\nb\tc'", "'a\r\nb\rc'", "'one \" quote'", f"'{'0123456789abcdż;' * 65536}'")
+TAKER = '"Über. alles"'
+SALE = ("create table t (id int primary key, name varchar(60) not null, price numeric(9,2), "
         "day date, at timestamp null, note text);")
-SALES = ("insert into sale values (1, 'O''Brien', 12.5, '2024-02-29', '2024-02-29 23:59:58', null);"
-         "insert into sale values (2, 'Łódź', -0.05, null, null, '');"
-         "insert into sale values (3, '', 1234567, '1999-12-31', '1970-01-02 00:00:00', 'NULL')")
-
-
-def literal(value):
-    doubled = (value or "").replace("'", "''")
-    return "null" if value is None else f"'{doubled}'"
+SALES = ("insert into t values (1, 'O''Brien', 12.5, '2024-02-29', '2024-02-29 23:59:58', null);"
+         "insert into t values (2, 'Łódź', -0.05, null, null, '');"
+         "insert into t values (3, '', 1234567, '1999-12-31', '1970-01-02 00:00:00', 'NULL')")
 
 
 class Rows:
-    """What holds for every engine as the one that rows go into."""
+    """What holds for every engine as the one that rows go into. A type comes with the values of its
+    column, as literals; those of `not_as_text` do not fit into lines."""
+    before = ""
+
+    def test_types(self):
+        for way, step, names in (
+                ("script", section("Target", "SQLScript", "Name=rows.sql", f'Table="{TAKER}"',
+                                   "Encoding=UTF8", "ColumnList=1", 'Delimiter=";"',
+                                   "BatchSize=3"), self.types + self.not_as_text),
+                ("table", None, self.types + self.not_as_text),
+                # A source reads UTF-8 byte by byte. The mark of UTF-16 goes into the first name.
+                ("text", section("Target", "TextFile", "Name=rows.txt", "Encoding=UTF16",
+                                 "Header=1"), self.types)):
+            made, taker = self.databases(way, names)
+            read, into = source("DatabaseTable", made, "Table=t"), table(taker, f'"{TAKER}"')
+            if way == "text":
+                made.run("delete from t where id = 0")  # a text file does not tell NULL from texts
+            self.move(read + (step or into), *(
+                [section("Source", "TextFile", "Name=rows.txt") + into] if way == "text" else []))
+            if way == "script":
+                taker.load(self.path / "rows.sql")
+            expected, arrived = zip(*made.rows("t")), zip(*taker.rows(TAKER.strip('"')))
+            for kind, *pair in zip([("id",), *names], expected, arrived, strict=True):
+                with self.subTest(way, type=kind[0]):
+                    self.assertTrue(pair[0] == pair[1], f"{pair!r:.1000}")
+
+    def databases(self, name, types):
+        """Two with a table of these types: one with rows, the first of them all NULL, one empty."""
+        columns = ", ".join(f'"c {number}" {kind} null' for number, (kind, *_) in enumerate(types))
+        rows = [["null"] * len(types)]
+        rows += [[values[min(row, len(values) - 1)] for _, *values in types]
+                 for row in range(max(len(values) for _, *values in types))]
+        literals = ",\n".join(f"({number}, {', '.join(row)})" for number, row in enumerate(rows))
+        made = self.database(f"{self.before} create table t (id int, {columns}); "
+                             f"insert into t values {literals}", name)
+        return made, self.database(f"{self.before} create table {TAKER} (id int, {columns});",
+                                   name + "_taker")
 
     def test_copy_from_each_engine(self):
-        for engine in (Sqlite, Postgres, MariaDb):
+        for engine in (each for each in (Sqlite, Postgres, MariaDb) if not each.missing):
             with self.subTest(engine.__name__):
-                if engine.missing:
-                    self.skipTest(engine.missing)
-                made = self.database(SALE + SALES, engine.__name__.lower(), engine)
-                taker = self.database(SALE, engine.__name__.lower() + "_taker")
-                self.move(source("DatabaseQuery", made, "Query=select * from sale order by id") +
-                          target("DatabaseTable", taker, "Table=sale"))
-                self.assertEqual(taker.rows("sale"), self.sales)
-
-    def test_texts_arrive_whole(self):
-        create = "create table t (name varchar(40) primary key, value text);"
-        if self.engine is MariaDb:
-            create = create.replace("value text", "value longtext")
-        rows = ",".join(f"('{name}', {literal(value)})" for name, value in TEXTS)
-        made = self.database(f"{create} insert into t values {rows}")
-        taker = self.database(create, "b")
-        self.assertEqual(made.rows("t"), list(TEXTS))
-        self.move(source("DatabaseTable", made, "Table=t") +
-                  target("DatabaseTable", taker, "Table=t"))
-        for (name, value), expected in zip(taker.rows("t"), TEXTS, strict=True):
-            with self.subTest(name):
-                self.assertTrue((name, value) == expected, repr(value)[:200])
-
-    def test_table_with_an_odd_name(self):
-        made = self.database("create table t (a int); insert into t values (7);"
-                             'create view "Größe" as select a as "x y" from t')
-        taker = self.database('create table "Über. alles" ("a b" int)', "b")
-        self.move(source("DatabaseContent", made, "Tables=t,Größe") +
-                  target("DatabaseTable", taker, 'Table=""Über. alles""'))
-        self.assertEqual([str(value) for (value,) in taker.rows("Über. alles")], ["7", "7"])
+                name = engine.__name__.lower()
+                made = self.database(SALE + SALES, name, engine)
+                taker = self.database(SALE, name + "_taker")
+                self.move(source("DatabaseQuery", made, "Query=select * from t order by id") +
+                          table(taker))
+                self.assertEqual(taker.rows("t"), self.sales)
 
     def test_refused_row(self):
-        create = ("create table t (id int primary key, name varchar(5) not null "
-                  "check (name <> 'bad'))")
         made = self.database("create table t (id int, name text)", "rows", Sqlite)
         for number, (row, words) in enumerate(zip(
                 ("2, 'again'", "3, null", "3, 'bad'", "3, 'longer'"), self.refusals)):
             with self.subTest(row):
-                taker = self.database(create, f"taker{number}")
+                taker = self.database("create table t (id int primary key, name varchar(5) not "
+                                      "null check (name <> 'bad'))", f"taker{number}")
                 made.run("delete from t; insert into t values "
                          f"(1, 'one'), (2, 'two'), ({row}), (4, 'four')")
-                done = self.run_job(source("DatabaseTable", made, "Table=t") +
-                                    target("DatabaseTable", taker, "Table=t"))
-                self.assert_ends(done, 2, "ODBCDatabase::ExecNonQuery execution error: "
-                                 rf"(?s:.*){re.escape(words)}(?s:.*),[0-9A-Z]{{5}},\d+")
+                self.assert_refused(words, made, taker)
                 self.assertEqual([name for _, name in taker.rows("t")], ["one", "two"])
+
+    def assert_refused(self, words, made, taker):
+        self.assert_job(2, "ODBCDatabase::ExecNonQuery execution error: "
+                        rf"(?s:.*){re.escape(words)}(?s:.*),[0-9A-Z]{{5}},\d+",
+                        source("DatabaseTable", made, "Table=t") + table(taker))
 
 
 class ServerRows(Rows):
@@ -88,20 +90,22 @@ class ServerRows(Rows):
 
     def test_table_without_the_right_to_write_it(self):
         made = self.database("create table t (a int); insert into t values (1)")
-        user = f"quillon_{os.getpid()}"
-        made.add_user(user)
-        self.addCleanup(made.drop_user, user)
-        made.run(f"grant select on t to {made.user(user)}")
-        reader = source("DatabaseTable", made, "Table=t").replace(made.connect, made.as_user(user))
-        done = self.run_job(source("DatabaseTable", made, "Table=t") +
-                            reader.replace("Source", "Target"))
-        self.assert_ends(done, 2, f"ODBCDatabase::ExecNonQuery execution error: .*{self.denied}"
-                         r"(?s:.*),[0-9A-Z]{5},\d+")
+        self.assert_refused(self.denied, made, self.reader(made, "t"))
         self.assertEqual(made.rows("t"), [("1",)])
 
 
 class SqliteRows(Rows, EngineTest):
-    engine = Sqlite
+    types = (
+        ("integer", "9223372036854775807", "-9223372036854775808", "0"),
+        ("tinyint", "-3"), ("bigint", "9007199254740993"), ("boolean", "1", "0"),
+        ("real", "0.1", "1e308", "-2.5e-300", "3.0"), ("double", "123456.789012345"),
+        ("numeric(12,3)", "1.5", "99999999.125", "7"), ("decimal(9,2)", "-1.25", "7"),
+        ("text", *TEXTS), ("varchar(20)", *TEXTS), ("char(5)", "'ab'"), ("nvarchar(9)", "'ż'"),
+        ("clob", "'x'"), ("json", """'{"a": "b"}'"""), ("date", "'2024-02-29'"),
+        ("time", "'23:59:59'"), ("datetime", "'2024-02-29 23:59:59'"),
+        ("timestamp", "'2024-02-29 23:59:59.125'"),
+    )
+    not_as_text = (("text", *LINES),)
     sales = [(1, "O'Brien", 12.5, "2024-02-29", "2024-02-29 23:59:58", None),
              (2, "Łódź", -0.05, None, None, ""),
              (3, "", 1234567, "1999-12-31", "1970-01-02 00:00:00", "NULL")]
@@ -111,6 +115,31 @@ class SqliteRows(Rows, EngineTest):
 
 class PostgresRows(ServerRows, EngineTest):
     engine = Postgres
+    before = ("create type mood as enum ('sad', 'so so'); "
+              "create domain positive as int check (value > 0);")
+    types = (
+        ("smallint", "-32768", "32767"), ("integer", "-2147483648", "0"),
+        ("bigint", "-9223372036854775808", "9223372036854775807"),
+        ("real", "3.4028235e38", "1.17549435e-38", "0.1"),
+        ("double precision", "1.7976931348623157e308", "5e-324", "3.141592653589793"),
+        ("numeric", "123456789012345678901234567890.123456789", "-0.000001"),
+        ("numeric(12,3)", "1.5", "-999999999.999"), ("boolean", "true", "false"),
+        ("varchar(40)", *TEXTS), ("text", *TEXTS), ("char(5)", "'ab'", "'é'"), ('"char"', "'a'"),
+        ("name", "'name'"), ("date", "'0001-01-01'", "'2024-02-29'", "'9999-12-31'"),
+        ("time", "'23:59:59.123456'", "'00:00'"), ("timetz", "'23:59:59.5+02'"),
+        ("timestamp", "'2024-02-29 23:59:59.123456'", "'0001-01-01'"),
+        ("timestamptz", "'2024-02-29 23:59:59.123456+02'", "'2024-07-01 00:00+05:30'"),
+        ("interval", "'1 year 2 mons 3 days 04:05:06.789'", "'-1 day'"),
+        ("uuid", "'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11'"), ("json", """'{"a": [1,  null]}'"""),
+        ("jsonb", """'{"a": "😀"}'"""), ("xml", """'<a b="c">&amp;</a>'"""),
+        ("inet", "'192.168.0.1/24'", "'::1'"), ("cidr", "'10.0.0.0/8'"),
+        ("macaddr", "'08:00:2b:01:02:03'"), ("bit(3)", "B'101'"),
+        ("bit varying(8)", "B'1010'", "B''"), ("integer[]", "'{1,2,NULL}'", "'{{1,2},{3,4}}'"),
+        ("text[]", """array['a', 'b c', '"q"', 'NULL']"""), ("point", "'(1,2.5)'"),
+        ("tsvector", "'a:1 b:2'"), ("int4range", "'[1,5)'"), ("oid", "4294967295"),
+        ("mood", "'sad'", "'so so'"), ("positive", "5"),
+    )
+    not_as_text = (("text", *LINES),)
     sales = [("1", "O'Brien", "12.50", "2024-02-29", "2024-02-29 23:59:58", None),
              ("2", "Łódź", "-0.05", None, None, ""),
              ("3", "", "1234567.00", "1999-12-31", "1970-01-02 00:00:00", "NULL")]
@@ -123,6 +152,24 @@ class PostgresRows(ServerRows, EngineTest):
 
 class MariaDbRows(ServerRows, EngineTest):
     engine = MariaDb
+    types = (
+        ("tinyint", "-128", "127"), ("boolean", "true"), ("smallint", "-32768"),
+        ("mediumint", "8388607"), ("int", "-2147483648"), ("int unsigned", "4294967295"),
+        ("bigint", "-9223372036854775808"), ("bigint unsigned", "18446744073709551615"),
+        ("int(5) zerofill", "42"), ("decimal(12,3)", "-999999999.999", "1.5"),
+        ("decimal(65,30)", "12345678901234567890123456789012345.123456789012345678901234567890"),
+        ("float", "0.1", "1.5e30"), ("double", "1.7976931348623157e308", "5e-324", "0.1"),
+        ("varchar(40)", *TEXTS), ("text", *TEXTS), ("mediumtext", *TEXTS), ("longtext", *TEXTS),
+        ("char(5)", "'ab'", "'é'"), ("varchar(9) character set latin1", "'é'"),
+        ("text collate utf8mb4_bin", "'é'"), ("date", "'2024-02-29'", "'1000-01-01'"),
+        ("time", "'23:59:59'", "'-838:59:59'"), ("time(6)", "'23:59:59.123456'"),
+        ("datetime", "'2024-02-29 23:59:59'"), ("datetime(6)", "'2024-02-29 23:59:59.123456'"),
+        ("timestamp", "'2024-02-29 23:59:59'"), ("timestamp(3)", "'2024-02-29 23:59:59.125'"),
+        ("year", "2024"), ("enum('a','b c')", "'b c'"), ("set('x','y','z')", "'x,z'", "''"),
+        ("json", """'{"a": "b"}'"""), ("inet6", "'::1'"),
+        ("uuid", "'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11'"),
+    )
+    not_as_text = (("longtext", *LINES),)
     sales = PostgresRows.sales
     refusals = ("Duplicate entry '2' for key 'PRIMARY'", "Column 'name' cannot be null",
                 "CONSTRAINT `t.name` failed", "Data too long for column 'name'")
@@ -130,5 +177,4 @@ class MariaDbRows(ServerRows, EngineTest):
 
 
 if __name__ == "__main__":
-    EngineTest.program = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    run_tests(__doc__)

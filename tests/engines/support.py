@@ -8,8 +8,9 @@ import re
 import sqlite3
 import subprocess
 import sys
-import tempfile
-import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from program import Scene, run_tests  # noqa: E402, F401
 
 ENVIRONMENT = os.environ | {"LC_ALL": "C.UTF-8", "PGCLIENTENCODING": "UTF8"}
 csv.field_size_limit(sys.maxsize)
@@ -39,9 +40,8 @@ class Sqlite:
             connection.executescript(self.fast + script)
 
     def load(self, path):
-        """Runs a script as a user would."""
-        with path.open("rb") as script:
-            client("sqlite3", "-bail", "-cmd", self.fast, self.path, stdin=script)
+        """Runs a script. The shell of SQLite would read it by lines and so change line ends."""
+        self.run(path.read_bytes().decode("utf-8-sig"))
 
     def query(self, query):
         with contextlib.closing(sqlite3.connect(self.path)) as connection:
@@ -158,17 +158,14 @@ class MariaDb(Server):
         self.client(self.home, f"drop database {self.name}")
 
 
-class EngineTest(unittest.TestCase):
-    """A scratch folder, databases that go when the test ends, and jobs that move rows."""
-    program = None
+class EngineTest(Scene):
+    """Databases that go when the test ends, and jobs that move rows."""
     engine = Sqlite
 
     def setUp(self):
         if self.engine.missing:
             self.skipTest(self.engine.missing + ", see tests/servers")
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.path = pathlib.Path(folder.name)
+        super().setUp()
 
     def database(self, script="", name="a", engine=None):
         """A new database in which the script has run."""
@@ -178,21 +175,25 @@ class EngineTest(unittest.TestCase):
             made.run(script)
         return made
 
-    def run_job(self, *steps):
-        """Runs a job. A step is the text of its sections."""
-        job = "".join(f"Step {number}\n{step}" for number, step in enumerate(steps, 1))
-        (self.path / "job.qpr").write_text(job, encoding="utf-8-sig")
-        return subprocess.run([self.program, "-config=job.qpr", "-silent"], cwd=self.path,
-                              capture_output=True, timeout=120, env=ENVIRONMENT)
+    def reader(self, made, *tables):
+        """A new user of the database, who may read these tables and do nothing else."""
+        user = f"quillon_{os.getpid()}"
+        made.add_user(user)
+        self.addCleanup(made.drop_user, user)
+        for table in tables:
+            made.run(f"grant select on {table} to {made.user(user)}")
+        return made.as_user(user)
 
-    def assert_ends(self, done, status, message=""):
-        """The job ended with this status, and the pattern is all that it said, in one line."""
-        self.assertRegex(f"{done.returncode} {done.stdout.decode()}{done.stderr.decode()}",
+    def assert_job(self, status, message, *steps):
+        """Runs a job, a step being the text of its sections. It ends with this status, and the
+        pattern is all that it says, in one line."""
+        ended = self.run_job("".join(f"Step #\n{step}" for step in steps))
+        self.assertRegex(f"{ended.status} {ended.output.decode()}{ended.errors.decode()}",
                          rf"\A{status} {message}\s*\Z")
 
     def move(self, *steps):
         """Runs a job that must succeed without a word."""
-        self.assert_ends(self.run_job(*steps), 0)
+        self.assert_job(0, "", *steps)
 
     def files(self):
         """Name and text of each text file that a job has written, without the mark in front."""
@@ -210,8 +211,9 @@ def source(word, database, *settings):
     return section("Source", word, f'ConnectString="{connect}"', *settings)
 
 
-def target(word, database, *settings):
-    return section("Target", word, f'ConnectString="{database.connect}"', *settings)
+def table(database, name="t"):
+    """A Target section: a table."""
+    return source("DatabaseTable", database, f"Table={name}").replace("Source", "Target")
 
 
 def text_files(*settings):

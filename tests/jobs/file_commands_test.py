@@ -1,11 +1,6 @@
 #!/usr/bin/env python3
-"""File commands of System steps in hostile trees: links, depth, numbers, other file systems, rights.
-
-    file_commands_test.py [--windows] [-k PATTERN] COMMAND...
-
-COMMAND is the program, with its launcher if it needs one. Under --windows what only Linux knows is
-skipped."""
-import argparse
+"""File commands of System steps in hostile trees: links, depth, numbers, other file systems,
+rights. Under --windows what only Linux knows is skipped."""
 import os
 import pathlib
 import shutil
@@ -15,41 +10,25 @@ import sys
 import tempfile
 import unittest
 
-COMMAND = []
-WINDOWS = "--windows" in sys.argv
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from program import COMMAND, WINDOWS, Scene, run_tests  # noqa: E402
+
 NOBODY = 65534
 LINUX_ONLY = unittest.skipIf(WINDOWS, "links and rights of Linux")
 
 
-class FileCommands(unittest.TestCase):
-    limits = ()  # a command that starts the program within limits
-
-    def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.path = pathlib.Path(self.folder.name)
-
-    def write(self, name, text="text"):
-        path = self.path / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text)
-        return path
+class FileCommands(Scene):
+    options = {}  # of the runs, as subprocess.run takes them
 
     def run_command(self, command, message="", **keys):
         """Runs one command and checks what it says; names may be $A$, $B$ for odd ones."""
         arguments = [f"${name}$={value}" for name, value in keys.items() if len(name) == 1]
         lines = [f"{name}={value}" for name, value in keys.items() if len(name) > 1]
         job = "\n".join(["Step 1", "System", f"Command={command}", *lines, ""])
-        (self.path / "job.qpr").write_text(job)
         user = {"user": NOBODY, "group": NOBODY} if getattr(self, "unprivileged", False) else {}
-        # Through a file: a launcher's background process may hold on to a pipe for long.
-        with tempfile.TemporaryFile() as output:
-            status = subprocess.run([*self.limits, *COMMAND, "-config=job.qpr", "-silent",
-                                     *arguments], cwd=self.path, stdout=output, timeout=120,
-                                    env=os.environ | {"LC_ALL": "C.UTF-8"}, **user).returncode
-            output.seek(0)
-            said = output.read().decode().rstrip("\r\n")
-        self.assertEqual((status, said), (2 if message else 0, message))
+        ended = self.run_job(job, *arguments, **user, **self.options)
+        self.assertEqual((ended.status, ended.output.decode().rstrip("\r\n")),
+                         (2 if message else 0, message))
 
     def tree(self, name):
         """Each entry below a folder with what it is: a text, a link's target, or None."""
@@ -224,7 +203,10 @@ class FileCommands(unittest.TestCase):
     def test_a_copy_that_fails_leaves_the_old_file(self):
         self.write("new", "new" * 100_000)
         self.write("old", "old")
-        self.limits = ("prlimit", "--fsize=100000")
+        import resource  # Linux alone has it
+        limit = 100_000
+        self.options = {"stdout": subprocess.PIPE, "preexec_fn": lambda: resource.setrlimit(
+            resource.RLIMIT_FSIZE, (limit, limit))}
         for name in ("old", "another"):
             self.run_command("CopyFile", f"File too large Copy 'new' to '{name}'", From="new",
                              To=name)
@@ -334,15 +316,5 @@ class FileCommands(unittest.TestCase):
         os.chmod(self.path / "locked", 0o755)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("command", nargs="+")
-    parser.add_argument("--windows", action="store_true")
-    parser.add_argument("-k", dest="pattern")
-    options = parser.parse_args()
-    COMMAND[:] = options.command
-    unittest.main(argv=[sys.argv[0]] + (["-k", options.pattern] if options.pattern else []))
-
-
 if __name__ == "__main__":
-    main()
+    run_tests(__doc__)

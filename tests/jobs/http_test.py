@@ -1,65 +1,49 @@
 #!/usr/bin/env python3
-"""HttpCall against a web server of its own: what goes out, what comes back, what goes wrong.
-
-    http_test.py [--windows] [-k PATTERN] COMMAND...
-
-COMMAND is the program, with its launcher if it needs one."""
-import argparse
+"""HttpCall against a web server of its own: what goes out, what comes back, what goes wrong."""
 import os
 import pathlib
+import resource
 import socket
-import subprocess
 import sys
-import tempfile
 import unittest
+import unittest.mock
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "servers"))
+TESTS = pathlib.Path(__file__).resolve().parent.parent
+sys.path[:0] = [str(TESTS / "servers"), str(TESTS / "support")]
+from program import WINDOWS, Scene, run_tests  # noqa: E402
 from web_server import CERTIFICATE, LARGE_BYTES, WebServer  # noqa: E402
 
-OPTIONS = None
 
-
-class HttpCall(unittest.TestCase):
+class HttpCall(Scene):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
-        self.path = pathlib.Path(self.folder.name)
+        super().setUp()
         self.server = self.enterContext(WebServer())
+        proxies = {name: "" for name in os.environ if name.lower().endswith("_proxy")}
+        self.enterContext(unittest.mock.patch.dict(os.environ, proxies))
 
     def call(self, *arguments, environment=None, **keys):
-        """Runs a job with one HttpCall. A key of None is left out. Returns exit status, standard
-        output and the most memory that the program held, in bytes."""
+        """Runs a job with one HttpCall; a key of None is left out. Returns exit status and standard
+        output."""
         keys = {"URL": "127.0.0.1", "Port": self.server.port} | keys
         lines = ["Step 1", "System", "Command=httpcall"]
         lines += [f'{key}="{value}"' for key, value in keys.items() if value is not None]
-        (self.path / "job.qpr").write_text("\n".join(lines) + "\n", "utf-8-sig")
-        inherited = {name: value for name, value in os.environ.items()
-                     if not name.lower().endswith("_proxy")}
-        # So that a sanitized program gives memory back at once.
-        inherited["ASAN_OPTIONS"] = "quarantine_size_mb=1"
-        # Through a file: a launcher's background process may hold on to a pipe for long.
-        with (self.path / "output").open("wb") as output:
-            process = subprocess.Popen(
-                [*OPTIONS.command, "-config=job.qpr", "-silent", *arguments], cwd=self.path,
-                stdin=subprocess.DEVNULL, stdout=output,
-                env=inherited | {"LC_ALL": "C.UTF-8"} | (environment or {}))
-            _, status, usage = os.wait4(process.pid, 0)
-            process.returncode = os.waitstatus_to_exitcode(status)
-        said = (self.path / "output").read_text("utf-8")
-        return process.returncode, said, usage.ru_maxrss * 1024
+        # A sanitized program shall give memory back at once.
+        ended = self.run_job("\n".join(lines) + "\n", *arguments, environment={
+            "ASAN_OPTIONS": "quarantine_size_mb=1"} | (environment or {}))
+        return ended.status, ended.output.decode().replace("\r\n", "\n")
 
     def assert_succeeds(self, *arguments, **keys):
         """Makes the call and returns the last request that came: first line, headers, body."""
-        self.assertEqual(self.call(*arguments, **keys)[:2], (0, ""))
+        self.assertEqual(self.call(*arguments, **keys), (0, ""))
         return self.server.requests[-1]
 
     def assert_fails(self, message, **keys):
-        self.assertEqual(self.call(**keys)[:2], (2, message + "\n"))
+        self.assertEqual(self.call(**keys), (2, message + "\n"))
 
     def assert_not_sent(self, linux, windows, **keys):
         """linux, windows: the code of libcurl, the codes of WinInet that may come."""
-        codes = windows if OPTIONS.windows else (linux,)
-        status, said, _ = self.call(**keys)
+        codes = windows if WINDOWS else (linux,)
+        status, said = self.call(**keys)
         self.assertEqual(status, 2)
         self.assertIn(said, [f"dInternet::Send Request error ({code})\n" for code in codes])
 
@@ -70,7 +54,7 @@ class HttpCall(unittest.TestCase):
                 line, headers, body = self.assert_succeeds(Parameters="/x", Method=method)
                 self.assertEqual(line, b"%s /x HTTP/1.1" % (method or "GET").encode())
                 self.assertEqual(body, b"")
-                if not (OPTIONS.windows and method == "HEAD"):
+                if not (WINDOWS and method == "HEAD"):
                     self.assertEqual(headers.get(b"content-length"), length)
                 self.assertEqual(headers[b"user-agent"], b"Korvex Quillon")
                 self.assertEqual(headers[b"host"], b"127.0.0.1:%d" % self.server.port)
@@ -90,7 +74,7 @@ class HttpCall(unittest.TestCase):
             "/Zürich?to=€\U0001F600#5": b"/Z%C3%BCrich?to=%E2%82%AC%F0%9F%98%80%235",
             "/" + "x" * 60_000: b"/" + b"x" * 60_000,
         }
-        if not OPTIONS.windows:  # where the system tidies a path up
+        if not WINDOWS:  # where the system tidies a path up
             cases["/a//b/./c/../d\\e?"] = b"/a//b/./c/../d\\e?"
         for parameters, target in cases.items():
             with self.subTest((parameters or "")[:40]):
@@ -116,7 +100,7 @@ class HttpCall(unittest.TestCase):
                 self.assertIn(line, [b"GET http://%s%s/x?y HTTP/1.1" % (address.encode(), default)
                                      for default in ((b"",) if ":" in address else (b"", b":80"))])
 
-    @unittest.skipIf("--windows" in sys.argv, "Windows has proxy settings of its own")
+    @unittest.skipIf(WINDOWS, "Windows has proxy settings of its own")
     def test_exceptions_from_the_proxy(self):
         nobody = {"http_proxy": "http://127.0.0.1:9", "no_proxy": "127.0.0.1"}
         line = self.assert_succeeds(Parameters="/x", environment=nobody)[0]
@@ -133,11 +117,11 @@ class HttpCall(unittest.TestCase):
                 self.assert_succeeds(Parameters=path)
 
     def test_large_response_is_read_with_bounded_memory(self):
-        status, said, memory = self.call(Parameters="/large")
-        self.assertEqual((status, said), (0, ""))
+        self.assert_succeeds(Parameters="/large")
         self.assertTrue(self.server.large_was_read.wait(timeout=60))
         # Two bytes a character, and twice as much while the text grows.
-        self.assertLess(memory, 4.5 * LARGE_BYTES)
+        most = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024
+        self.assertLess(most, 4.5 * LARGE_BYTES)
 
     def test_redirects(self):
         self.assert_succeeds(Parameters="/redirect/10")
@@ -146,7 +130,7 @@ class HttpCall(unittest.TestCase):
         line = self.assert_succeeds(Parameters="/redirect/1", Method="POST")[0]
         self.assertEqual(line, b"GET /redirect/0 HTTP/1.1")
 
-    @unittest.skipIf("--windows" in sys.argv, "Windows has a limit of its own")
+    @unittest.skipIf(WINDOWS, "Windows has a limit of its own")
     def test_redirects_end(self):
         self.assert_not_sent(47, (), Parameters="/loop")
         self.assertEqual(len(self.server.requests), 11)
@@ -166,7 +150,7 @@ class HttpCall(unittest.TestCase):
 
     def test_no_response(self):
         self.assert_not_sent(56, (12030, 12031, 12152), Parameters="/reset")
-        if not OPTIONS.windows:  # Wine takes these for responses without a body
+        if not WINDOWS:  # Wine takes these for responses without a body
             self.assert_not_sent(52, (), Parameters="/close")
             self.assert_not_sent(1, (), Parameters="/garbage")
 
@@ -187,11 +171,4 @@ class HttpCall(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    parser = argparse.ArgumentParser(description=__doc__,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("command", nargs="+", help="the program, with its launcher")
-    parser.add_argument("--windows", action="store_true", help="the program is the Windows one")
-    parser.add_argument("-k", action="append", help="only tests of this name")
-    OPTIONS = parser.parse_args()
-    selected = [argument for pattern in OPTIONS.k or () for argument in ("-k", pattern)]
-    unittest.main(argv=[sys.argv[0], *selected])
+    run_tests(__doc__)

@@ -1,38 +1,27 @@
 #!/usr/bin/env python3
-"""Runs the example of a night's work twice against a web server of the tests' own.
-
-    nightly_test.py COMMAND...
-
-COMMAND is the program, with its launcher if it needs one."""
-import os
+"""Runs the example of a night's work twice against a web server of the tests' own."""
 import pathlib
 import shutil
 import subprocess
 import sys
-import tempfile
-import unittest
 
 TESTS = pathlib.Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(TESTS / "servers"))
+sys.path[:0] = [str(TESTS / "servers"), str(TESTS / "support")]
+from program import Scene, run, run_tests  # noqa: E402
 from web_server import WebServer  # noqa: E402
 
 EXAMPLE = TESTS.parent / "examples" / "nightly-files"
-COMMAND = []
 
 
-class Nightly(unittest.TestCase):
+class Nightly(Scene):
     def run_night(self, folder, port, day, old):
-        # Through a file: a launcher's background process may hold on to a pipe for long.
-        with (folder / "output").open("wb") as output:
-            status = subprocess.run(
-                [*COMMAND, "-config=nightly.qpr", "-silent", f"$DATE$={day}", f"$OLD$={old}",
-                 "$HOST$=127.0.0.1", f"$PORT$={port}"], cwd=folder, stdout=output, timeout=120,
-                stdin=subprocess.DEVNULL, env=os.environ | {"LC_ALL": "C.UTF-8"}).returncode
-        return status, (folder / "output").read_text().splitlines()
+        ended = run(folder, "-config=nightly.qpr", "-silent", f"$DATE$={day}", f"$OLD$={old}",
+                    "$HOST$=127.0.0.1", f"$PORT$={port}")
+        return ended.status, ended.output.decode().splitlines()
 
     def test_two_nights(self):
-        with tempfile.TemporaryDirectory() as scratch, WebServer() as server:
-            folder = pathlib.Path(scratch) / "sales"
+        with WebServer() as server:
+            folder = self.path / "sales"
             shutil.copytree(EXAMPLE, folder)
             subprocess.run(["sqlite3", "data.db"], cwd=folder, check=True,
                            input=(EXAMPLE / "setup.sql").read_bytes())
@@ -55,5 +44,4 @@ class Nightly(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    COMMAND = sys.argv[1:]
-    unittest.main(argv=sys.argv[:1])
+    run_tests(__doc__)

@@ -9,7 +9,6 @@
 #include "run/banner.h"
 #include "servers/postgres.h"
 #include "support/scratch.h"
-#include "support/sqlite.h"
 
 namespace {
 
@@ -68,13 +67,6 @@ protected:
     std::string output_;
     String error_;
 };
-
-TEST_F(ManagerTest, LinesUpHeaderAndRowsByWhatItHasMeasured) {
-    const std::string query = "select 'a' as id, 'wide value' as v union select 'bbbb', null";
-    const String database = testing_support::SqliteConnectString(folder_, "test.db");
-    EXPECT_EQ(Export(database, query, "FixedWidth=1\nHeader=1\n"),
-              "id  v         \r\na   wide value\r\nbbbbNULL      \r\n");
-}
 
 TEST_F(ManagerTest, MovesAllResultSets) {
     SKIP_WITHOUT_POSTGRES();
@@ -176,14 +168,6 @@ TEST_F(ManagerTest, LogsToTheFileOfTheRunOrTheStep) {
         EXPECT_EQ(folder_.Read(c.log), c.after) << c.log;
     }
     EXPECT_FALSE(folder_.Exists("no.log"));
-}
-
-TEST_F(ManagerTest, EndsWithoutAWordWhenLogCannotBeOpened) {
-    EXPECT_FALSE(Run("Globals\nStopOnError=0\n" + kCopyStep + "Settings\nLog=@no/l", {"-silent"}));
-    EXPECT_EQ(output_, "");
-    EXPECT_TRUE(error_.starts_with(
-        Here("Could not open log file '@no/l' for writing [Could not open file for writing: ")));
-    EXPECT_TRUE(error_.ends_with(u"].") && !folder_.Exists("out.txt")) << ToUtf8(error_);
 }
 
 }  // namespace

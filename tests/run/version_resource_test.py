@@ -1,32 +1,21 @@
 #!/usr/bin/env python3
-"""What Windows shows of quillon.exe agrees with the banner.
-usage: version_resource_test.py [LAUNCHER] PROGRAM"""
+"""What Windows shows of quillon.exe agrees with the banner."""
+import pathlib
 import re
 import struct
-import subprocess
 import sys
-import tempfile
-import unittest
 
-COMMAND = sys.argv[1:]
-
-
-def banner():
-    """The product's name, its version and its maker."""
-    # Through a file: a launcher's background process may hold on to a pipe for long.
-    with tempfile.TemporaryFile() as output:
-        subprocess.run(COMMAND + ["-config=no such file"], stdout=output,
-                       stderr=subprocess.DEVNULL, timeout=120)
-        output.seek(0)
-        line = output.readline().decode()
-    return re.match(r"(\w+) ([\d.]+) \[.*\], 64 bit\. (\w+)\r\n", line).groups()
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from program import COMMAND, Scene, run, run_tests  # noqa: E402
 
 
-class VersionResource(unittest.TestCase):
+class VersionResource(Scene):
     def setUp(self):
-        with open(COMMAND[-1], "rb") as program:
-            self.data = program.read()
-        self.product, self.version, self.maker = banner()
+        super().setUp()
+        self.data = pathlib.Path(COMMAND[-1]).read_bytes()
+        banner = run(self.path, "-config=no such file").output.decode()
+        self.product, self.version, self.maker = re.match(
+            r"(\w+) ([\d.]+) \[.*\], 64 bit\. (\w+)\r\n", banner).groups()
 
     def test_texts(self):
         texts = {"CompanyName": self.maker, "ProductName": self.product,
@@ -45,4 +34,4 @@ class VersionResource(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    run_tests(__doc__)

@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "config/section_settings.h"
+#include "core/row_set.h"
 #include "support/scratch.h"
 
 namespace testing_support {

@@ -73,9 +73,7 @@ protected:
             column.Included = name != u"-";
         }
     }
-    void NameTable(int number) {
-        SectionSettings(step_.Job(), Section::Source).Set(u"$TABLE$", Format(u"t%d", number));
-    }
+    void NameTable(int number) { step_.Job().Macros().NameTable(Format(u"t%d", number)); }
 
     ScratchFolder folder_;
     OneStep step_;

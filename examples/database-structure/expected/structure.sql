@@ -1,4 +1,4 @@
-﻿create table "customer" (
+create table "customer" (
  id INTEGER  default NULL not null,
  name varchar(40)  default NULL not null,
  country char(2)  default CH null,

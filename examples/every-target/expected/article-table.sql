@@ -1,4 +1,4 @@
-﻿create table "article" (
+create table "article" (
  "No" INTEGER null,
  "The ""name""" varchar(60) not null,
  "Größe" varchar(20) null,

@@ -1,4 +1,4 @@
-﻿insert into "article" values (1,'O''Brien''s "best" tea','groß',12.5,'two
+insert into "article" values (1,'O''Brien''s "best" tea','groß',12.5,'two
 lines'),
    (2,'Fish & <b>chips</b>','Łódź/été',0,NULL);
 insert into "article" values (3,'Smile 😀',NULL,-7,''),

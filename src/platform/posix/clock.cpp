@@ -5,14 +5,25 @@
 namespace platform {
 namespace {
 
+LocalTime TimeOf(const tm& parts) {
+    return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+            parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+}
+
 class PosixClock final : public Clock {
 public:
     LocalTime Now() const override {
         const time_t now = ::time(nullptr);
         tm parts{};
         ::localtime_r(&now, &parts);
-        return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
-                parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+        return TimeOf(parts);
+    }
+
+    LocalTime UtcNow() const override {
+        const time_t now = ::time(nullptr);
+        tm parts{};
+        ::gmtime_r(&now, &parts);
+        return TimeOf(parts);
     }
 
     std::uint64_t TickMs() const override {

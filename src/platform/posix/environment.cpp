@@ -27,11 +27,12 @@ void PrepareLocale() {
 }
 
 // A standard stream that the parent closed would lend its number, and so its role, to the first
-// file that is opened.
+// file that is opened. Its place is taken for reading alone: input is then empty, and output fails,
+// as rows that go there are lost.
 void OpenMissingStreams() {
     int descriptor = 0;
     do {
-        descriptor = ::open("/dev/null", O_RDWR);
+        descriptor = ::open("/dev/null", O_RDONLY);
     } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
     if (descriptor > STDERR_FILENO) ::close(descriptor);
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/posix/descriptor.h"
+#include "platform/posix/file_likeness.h"
 #include "platform/posix/part_file.h"
 #include "platform/system_error.h"
 
@@ -22,7 +23,6 @@ namespace fs = std::filesystem;
 using Status = struct stat;
 
 constexpr std::size_t kPieceBytes = 262'144;
-constexpr mode_t kRights = 07777;
 
 // The helpers below leave their reason in errno, from where it gets into the record at last.
 bool Report(ErrorRecord& error, bool done) {
@@ -64,15 +64,6 @@ void SetTimeOfWriting(int file, const Status& source) {
     ::futimens(file, times);
 }
 
-// Gives a new file the owner, the group and the rights of one that it is to replace.
-bool MakeLike(int file, const Status& old) {
-    Status own{};
-    if (::fstat(file, &own) != 0) return false;
-    const bool same_owner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
-    return (same_owner || ::fchown(file, old.st_uid, old.st_gid) == 0) &&
-           ::fchmod(file, old.st_mode & kRights) == 0;  // last, as a change of owner takes rights
-}
-
 // Fills a part with what `in` reads and gives it its place.
 // old: what it replaces and is to be like; null: it takes the rights of its source
 // flush: whether it must be on the disk before, as otherwise a power failure could leave neither
@@ -80,8 +71,8 @@ bool PutCopyInPlace(PartFile& part, int in, const Status& source, const Status* 
     Descriptor out = part.Create();
     if (out.Get() < 0 || !CopyBytes(in, out.Get())) return false;
     SetTimeOfWriting(out.Get(), source);
-    const bool like = old != nullptr ? MakeLike(out.Get(), *old)
-                                     : ::fchmod(out.Get(), source.st_mode & kRights) == 0;
+    const bool like = old != nullptr ? TakeOwner(out.Get(), *old) && TakeRights(out.Get(), *old)
+                                     : TakeRights(out.Get(), source);
     return like && (!flush || ::fsync(out.Get()) == 0) && out.Close() && part.PutInPlace();
 }
 
@@ -93,7 +84,7 @@ bool CopyInPlace(int in, const Status& source, const fs::path& to, bool exists) 
     struct flock whole {};
     whole.l_type = F_WRLCK;
     ::fcntl(out.Get(), F_OFD_SETLKW, &whole);
-    if (!exists && ::fchmod(out.Get(), source.st_mode & kRights) != 0) return false;
+    if (!exists && !TakeRights(out.Get(), source)) return false;
     if (::ftruncate(out.Get(), 0) != 0 || !CopyBytes(in, out.Get())) return false;
     SetTimeOfWriting(out.Get(), source);
     return out.Close();

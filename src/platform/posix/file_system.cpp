@@ -1,6 +1,7 @@
 #include "platform/file_system.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
@@ -9,6 +10,7 @@
 #include "base/utf8.h"
 #include "platform/posix/descriptor.h"
 #include "platform/posix/native_path.h"
+#include "platform/posix/open_file.h"
 #include "platform/system_error.h"
 
 namespace platform {
@@ -23,13 +25,9 @@ struct stat StatusOf(int descriptor) {
 bool IsRegularFile(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
 
 // Opens `name`; -1, with errno set, when it cannot be opened.
-int OpenDescriptor(const String& name, int flags) {
+int OpenDescriptor(const std::string& name, int flags) {
     constexpr mode_t kNewFileMode = 0666;  // less the user's umask
-    if (HoldsZero(name)) {
-        errno = EINVAL;
-        return -1;
-    }
-    return ::open(ToNativeBytes(name).c_str(), flags | O_CLOEXEC | O_NOCTTY, kNewFileMode);
+    return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY, kNewFileMode);
 }
 
 std::optional<struct stat> StatusOf(const String& name) {
@@ -47,24 +45,20 @@ int WritingFlags(const String& name, OutputFile::Mode mode) {
     return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode) ? O_WRONLY : O_RDWR;
 }
 
-// Keeps other writers away, who would write over each other. Readers are not concerned.
-bool LockForWriting(int descriptor) {
-    if (!IsRegularFile(descriptor)) return true;
-    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-}
-
 class PosixInputFile final : public InputFile {
 public:
-    explicit PosixInputFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+    explicit PosixInputFile(Descriptor descriptor)
+        : descriptor_(std::move(descriptor)), waits_(!IsRegularFile(descriptor_.Get())) {}
 
     std::optional<std::uint64_t> Size() override {
+        if (waits_) return std::nullopt;
         const struct stat status = StatusOf(descriptor_.Get());
-        if (!S_ISREG(status.st_mode)) return std::nullopt;
         return static_cast<std::uint64_t>(status.st_size);
     }
 
 protected:
     std::int64_t ReadSome(std::span<std::byte> bytes) override {
+        if (waits_ && PauseListener::IsThere()) TellOfPause();
         ssize_t count = 0;
         do {
             count = ::read(descriptor_.Get(), bytes.data(), bytes.size());
@@ -73,7 +67,13 @@ protected:
     }
 
 private:
+    void TellOfPause() const {
+        pollfd wanted{descriptor_.Get(), POLLIN, 0};
+        if (::poll(&wanted, 1, PauseListener::kPauseMs) == 0) PauseListener::Tell();
+    }
+
     Descriptor descriptor_;
+    const bool waits_;  // may have to wait for what is read
 };
 
 class PosixOutputFile final : public OutputFile {
@@ -81,6 +81,7 @@ public:
     explicit PosixOutputFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
 
     bool IsRegular() const override { return IsRegularFile(descriptor_.Get()); }
+    bool IsTerminal() const override { return ::isatty(descriptor_.Get()) == 1; }
 
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
         const std::size_t written = WriteFully(descriptor_.Get(), bytes);
@@ -133,6 +134,31 @@ private:
 
 }  // namespace
 
+// Readers are not concerned. File systems that know no locks go without.
+bool LockForWriting(int descriptor) {
+    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool IsNamed(int descriptor, const std::string& name) {
+    struct stat named {};
+    if (::stat(name.c_str(), &named) != 0) return false;
+    const struct stat open = StatusOf(descriptor);
+    return named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+}
+
+Descriptor OpenLocked(const std::string& name, int flags) {
+    for (;;) {
+        Descriptor descriptor(OpenDescriptor(name, flags));
+        if (descriptor.Get() < 0 || !IsRegularFile(descriptor.Get())) return descriptor;
+        if (!LockForWriting(descriptor.Get())) return Descriptor(-1);
+        if (IsNamed(descriptor.Get(), name)) return descriptor;
+    }
+}
+
+std::unique_ptr<OutputFile> OutputFileOn(Descriptor descriptor) {
+    return std::make_unique<PosixOutputFile>(std::move(descriptor));
+}
+
 bool PathExists(const String& name) {
     return !HoldsZero(name) && ::access(ToNativeBytes(name).c_str(), F_OK) == 0;
 }
@@ -144,7 +170,9 @@ std::optional<FileIdentity> IdentityOf(const String& name) {
 }
 
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
-    Descriptor descriptor(OpenDescriptor(name, O_RDONLY));
+    const auto native = NativePath(error, name);
+    if (!native) return nullptr;
+    Descriptor descriptor(OpenDescriptor(*native, O_RDONLY));
     if (descriptor.Get() < 0) {
         error = SystemError();
         return nullptr;
@@ -161,8 +189,10 @@ std::unique_ptr<InputFile> InputFile::StandardInput() {
 }
 
 std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& name, Mode mode) {
-    Descriptor descriptor(OpenDescriptor(name, WritingFlags(name, mode)));
-    const bool opened = descriptor.Get() >= 0 && LockForWriting(descriptor.Get());
+    const auto native = NativePath(error, name);
+    if (!native) return nullptr;
+    Descriptor descriptor = OpenLocked(*native, WritingFlags(name, mode));
+    const bool opened = descriptor.Get() >= 0;
     // Emptied only now that nobody else is writing it.
     const bool empty = mode == Mode::Truncate && opened && IsRegularFile(descriptor.Get());
     if (!opened || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {

@@ -7,6 +7,7 @@
 #include "platform/system_error.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/native_path.h"
+#include "platform/windows/open_file.h"
 #include "platform/windows/wide.h"
 
 namespace platform {
@@ -33,15 +34,29 @@ Handle OpenHandle(const String& name, DWORD access, DWORD sharing, SECURITY_ATTR
         ::CreateFileW(AsWide(name), access, sharing, security, disposition, flags, nullptr));
 }
 
-// True for the name of a pipe or a device (NUL, CON, COM1), in whichever folder. Files can be named
-// in the same way: \\.\C:\file.
-bool NamesDevice(const String& name) {
-    String full(MAX_PATH, u'\0');
-    const DWORD length = ::GetFullPathNameW(AsWide(name), MAX_PATH, AsWide(full.data()), nullptr);
-    if (length == 0 || length >= MAX_PATH) return false;  // devices have short names
-    full.resize(length);
-    const bool in_volume = full.size() > 6 && full[5] == u':' && full[6] == u'\\';
-    return full.starts_with(u"\\\\.\\") && !in_volume;
+// Waits until a pipe has something to read, or for as long as a pause takes: there is no object
+// that tells of a pipe's data.
+bool PipeIsSilent(HANDLE pipe) {
+    const ULONGLONG start = ::GetTickCount64();
+    for (;;) {
+        DWORD there = 0;
+        if (::PeekNamedPipe(pipe, nullptr, 0, nullptr, &there, nullptr) == FALSE || there != 0) {
+            return false;  // or its writer is gone
+        }
+        const ULONGLONG waited = ::GetTickCount64() - start;
+        if (waited >= PauseListener::kPauseMs) return true;
+        ::Sleep(waited < 20 ? 0 : 1);
+    }
+}
+
+void TellOfPause(HANDLE input) {
+    const DWORD type = ::GetFileType(input);
+    const bool silent =
+        type == FILE_TYPE_PIPE
+            ? PipeIsSilent(input)
+            : type == FILE_TYPE_CHAR &&
+                  ::WaitForSingleObject(input, PauseListener::kPauseMs) == WAIT_TIMEOUT;
+    if (silent) PauseListener::Tell();
 }
 
 class WindowsInputFile final : public InputFile {
@@ -59,6 +74,7 @@ protected:
     std::int64_t ReadSome(std::span<std::byte> bytes) override {
         constexpr std::size_t kMostPerCall = 0x40000000;
         const auto wanted = static_cast<DWORD>(std::min(bytes.size(), kMostPerCall));
+        if (PauseListener::IsThere()) TellOfPause(handle_.Get());
         DWORD count = 0;
         if (::ReadFile(handle_.Get(), bytes.data(), wanted, &count, nullptr) != FALSE) return count;
         return ::GetLastError() == ERROR_BROKEN_PIPE ? 0 : -1;  // the writer of a pipe is done
@@ -73,6 +89,10 @@ public:
     explicit WindowsOutputFile(Handle handle) : handle_(std::move(handle)) {}
 
     bool IsRegular() const override { return IsDisk(handle_.Get()); }
+    bool IsTerminal() const override {
+        DWORD mode = 0;
+        return ::GetConsoleMode(handle_.Get(), &mode) != FALSE;
+    }
 
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
         ::SetLastError(ERROR_SUCCESS);
@@ -139,6 +159,19 @@ DWORD DispositionOf(OutputFile::Mode mode) {
 
 }  // namespace
 
+bool NamesDevice(const String& name) {
+    String full(MAX_PATH, u'\0');
+    const DWORD length = ::GetFullPathNameW(AsWide(name), MAX_PATH, AsWide(full.data()), nullptr);
+    if (length == 0 || length >= MAX_PATH) return false;  // devices have short names
+    full.resize(length);
+    const bool in_volume = full.size() > 6 && full[5] == u':' && full[6] == u'\\';
+    return full.starts_with(u"\\\\.\\") && !in_volume;
+}
+
+std::unique_ptr<OutputFile> OutputFileOn(Handle handle) {
+    return std::make_unique<WindowsOutputFile>(std::move(handle));
+}
+
 bool PathExists(const String& name) {
     return !HoldsZero(name) && ::GetFileAttributesW(AsWide(name)) != INVALID_FILE_ATTRIBUTES;
 }
@@ -156,8 +189,10 @@ std::optional<FileIdentity> IdentityOf(const String& name) {
 }
 
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
-    Handle handle = OpenHandle(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+    // What is read may be replaced meanwhile, by this run too.
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    Handle handle =
+        OpenHandle(name, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!handle.Valid()) {
         error = SystemError();
         return nullptr;

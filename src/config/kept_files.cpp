@@ -1,0 +1,46 @@
+#include "config/kept_files.h"
+
+#include <algorithm>
+#include <span>
+
+namespace {
+
+// Bytes in memory, read as the pipe was that they came from: they have no known length.
+class KeptFile final : public platform::InputFile {
+public:
+    explicit KeptFile(std::span<const std::byte> bytes) : rest_(bytes) {}
+
+    std::optional<std::uint64_t> Size() override { return std::nullopt; }
+
+protected:
+    std::int64_t ReadSome(std::span<std::byte> bytes) override {
+        const std::size_t count = std::min(bytes.size(), rest_.size());
+        std::copy_n(rest_.begin(), count, bytes.begin());
+        rest_ = rest_.subspan(count);
+        return static_cast<std::int64_t>(count);
+    }
+
+private:
+    std::span<const std::byte> rest_;
+};
+
+}  // namespace
+
+std::unique_ptr<platform::InputFile> KeptFiles::Open(ErrorRecord& error, const String& name) {
+    auto kept = kept_.find(name);
+    if (kept == kept_.end()) {
+        std::unique_ptr<platform::InputFile> file = platform::InputFile::Open(error, name);
+        if (!file || file->CanReopen()) return file;
+        constexpr std::size_t kPieceBytes = 65'536;
+        std::vector<std::byte> bytes;
+        std::size_t filled = 0;
+        do {
+            bytes.resize(filled + kPieceBytes);
+            filled += file->ReadFully(std::span(bytes).subspan(filled));
+        } while (filled == bytes.size());
+        bytes.resize(filled);
+        if (file->Failed()) return file;  // whoever reads on meets the failure
+        kept = kept_.emplace(name, std::move(bytes)).first;
+    }
+    return std::make_unique<KeptFile>(kept->second);
+}

@@ -1,0 +1,12 @@
+create table kinds (no integer, price decimal(9,2), "half" real, "on" date, at timestamp, sold boolean, note varchar(20));
+insert into kinds values (1, '.5', 2.5, '2012-02-29', '2005-08-16 23:42:55', 1, 'a<b & "c" ]]>');
+insert into kinds values (-0, '-7.', '1e5', '1900-12-31', '2005-08-16 23:42:55.25', 0, 'C:\{x}/y' || char(9) || 'z');
+insert into kinds values (12345678901234567, '007', 'x', '2011-02-29', '2005-08-16T24:00:00', 7, '');
+insert into kinds values (null, null, null, null, null, null, null);
+create table "odd:*" (a varchar(40), "a_2" varchar(9), "1st <b>" varchar(9));
+insert into "odd:*" values ('two' || char(13, 10) || 'lines' || char(10), '😀 é', char(1) || char(65534) || '_x0041_');
+create table none (id integer, name varchar(9));
+create table more (no integer);
+insert into more values (5);
+create table lacking ("é_x0041_" varchar(9));
+insert into lacking values ('é😀' || char(0x85, 0x9f));

@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""What the program makes of its tables of keys: the committed page and completion scripts are
+what it prints, and no good job raises a finding."""
+import pathlib
+import shutil
+import subprocess
+import sys
+
+TESTS = pathlib.Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(TESTS / "support"))
+from program import Scene, run, run_tests  # noqa: E402
+
+ROOT = TESTS.parent
+# Whole jobs that are right in all their parts, beside the examples.
+GOOD = ("database-content", "database-metadata", "edition2-job-file", "html", "json", "no-rows",
+        "query-values", "standard-input", "text-fixed-width", "text-quotation")
+
+
+# What their comments say to give along, beside what "args" holds.
+GIVEN = {"nightly-files": ("$HOST$=localhost", "$PORT$=80", "$DATE$=day", "$OLD$=day"),
+         "copy-to-sqlite": ("$SALES_DB$=DSN=sales",),
+         "quick": ("-Type=DatabaseQueryToTextFile", "-DSN=sales", "-Query=select 1", "-Output=o")}
+
+
+class Keys(Scene):
+    def test_committed_pages_are_those_that_the_program_prints(self):
+        for word, path in (("keys", "docs/keys.md"), ("bash", "completion/quillon.bash"),
+                           ("powershell", "completion/quillon.ps1")):
+            with self.subTest(path):
+                self.assert_ends(run(self.path, f"-help={word}"), 0, (ROOT / path).read_bytes())
+
+    def test_good_jobs_raise_no_finding(self):
+        jobs = list((ROOT / "examples").glob("*/*.qpr")) + [
+            TESTS / "jobs" / name / "job.qpr" for name in GOOD]
+        self.assertGreaterEqual(len(jobs), 20)
+        for job in jobs:
+            with self.subTest(job.parent.name):
+                folder = self.path / job.parent.name
+                shutil.copytree(job.parent, folder, dirs_exist_ok=True)
+                arguments = job.parent / "args"
+                lines = arguments.read_text().splitlines() if arguments.exists() else []
+                given = GIVEN.get(job.stem, GIVEN.get(job.parent.name, ()))
+                self.assert_ends(
+                    run(folder, f"-config={job.name}", "-check", "-silent", *given, *lines))
+
+    def test_switches(self):
+        step = "Step\nSystem\nCommand=WriteFile\nText=x\nFile="
+        self.write("job.qpr", f"Globals\nEdition=2\n{step}1\n{step}2\n{step}3\n")
+        names = {"1", "2", "3"}
+        no_steps = "'{}' names no steps of this job, which has 3.\n"
+        for arguments, status, said, made in (
+                (["-only=2"], 0, "", {"2"}), (["-only=3, 1-2"], 0, "", names),
+                (["-from=2"], 0, "", {"2", "3"}), (["-only=0"], 4, no_steps.format(0), set()),
+                (["-only=2-4"], 4, no_steps.format("2-4"), set()),
+                (["-only=2-1"], 4, no_steps.format("2-1"), set()),
+                (["-from=4"], 4, no_steps.format(4), set()),
+                (["-from=x"], 4, "'x' is no value of '-from'. It takes a whole number.\n",
+                 set()),
+                (["-only=1", "-from=1"], 4, "'-only' and '-from' exclude each other.\n", set()),
+                (["-onyl=1"], 4, "'-onyl' is not a switch. Did you mean '-only'?\n", set()),
+                (["-Edition=1", "-onyl=1"], 0, "", names),
+                (["-Edition=3"], 2, "Edition '3' is not known. Known are 1 and 2.\n", set()),
+                (["-check"], 0, "", set())):
+            with self.subTest(arguments):
+                ended = run(self.path, "-config=job.qpr", "-silent", *arguments)
+                there = {path.name for path in self.path.iterdir()} & names
+                told = (ended.output + ended.errors).decode().replace("\r\n", "\n")
+                self.assertEqual((ended.status, told, there), (status, said, made))
+                for name in there:
+                    (self.path / name).unlink()
+        for arguments, status, start in (
+                (["-version"], 0, b"Quillon 1."), (["-help", "-silent"], 0, b"quillon [SWITCH"),
+                (["-help=jsonfile"], 0, b"Target JSONFile\n"),
+                (["-help=TextFil"], 4, b"There is no help on 'TextFil'. Did you mean 'TextFile'?")):
+            ended = run(self.path, *arguments)
+            self.assertEqual(ended.status, status)
+            self.assertTrue((ended.output + ended.errors).startswith(start), arguments)
+
+    def test_completion_offers_switches_and_words(self):
+        script = (ROOT / "completion/quillon.bash").read_text()
+        for typed, offered in (("-che", "-check -check=connect"), ("-help=JSON", "JSONFile"),
+                               ("-help=Copy", "CopyFile CopyFolder"), ("-conf", "-config=")):
+            line = f"quillon {typed}"
+            said = subprocess.run(
+                ["bash", "-c", f'{script}\ncompopt() {{ :; }}\nCOMP_LINE="{line}"\n'
+                 f'COMP_POINT={len(line)}\n_quillon\necho "${{COMPREPLY[*]}}"'],
+                capture_output=True, check=True, text=True).stdout
+            self.assertEqual(said.strip(), offered)
+
+
+if __name__ == "__main__":
+    run_tests(__doc__)

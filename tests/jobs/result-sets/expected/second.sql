@@ -1,0 +1,1 @@
+﻿insert into "second"("c") values ('4');
