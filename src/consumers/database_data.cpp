@@ -66,8 +66,8 @@ bool DatabaseData::CheckColumns(String& error, const SectionSettings& settings,
 bool DatabaseData::ColumnsFit(String& error, const RowSet& rows) const {
     if (rows.Columns.size() == table_rows_.Columns.size()) return true;
     // Published spelling.
-    error = Format(u"Traget table has different structure [%d -> %d columns].",
-                   rows.Columns.size(), table_rows_.Columns.size());
+    error = Format(u"Traget table has different structure [%d -> %d columns].", rows.Columns.size(),
+                   table_rows_.Columns.size());
     return false;
 }
 
