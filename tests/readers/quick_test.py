@@ -20,7 +20,8 @@ FILES = [path for folder in (TESTS / "jobs", TESTS.parent / "examples")
 # names at all; characters beyond the basic plane; XML that was appended to; rows that broke off;
 # files that were left for the next one.
 REFUSED = {"target-errors/wide.json",
-           "xml/odd.xml", "xml/items.xml", "xml/bare.xml", "appending-targets/old.xml",
+           "xml/odd.xml", "xml/items.xml", "xml/bare.xml", "encodings-edition-1/bare.xml",
+           "appending-targets/old.xml",
            "json/names.json", "json/values.json", *(
                f"result-sets/{name}.{kind}" for name in ("empty", "first", "second", "same")
                for kind in ("json", "xml"))}
