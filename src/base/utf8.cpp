@@ -6,9 +6,6 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 // An escaped byte, see FromNativeBytes.
 bool IsEscapedByte(char32_t unit) { return unit >= 0xDC80 && unit <= 0xDCFF; }
 
@@ -89,15 +86,6 @@ bool TakeSequence(std::string_view bytes, std::size_t& position, char32_t& point
 }
 
 }  // namespace
-
-char32_t TakeCodePoint(StringView text, std::size_t& position) {
-    const char32_t unit = text[position++];
-    if (IsHighSurrogate(unit) && position < text.size() && IsLowSurrogate(text[position])) {
-        const char32_t low = text[position++];
-        return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
-    }
-    return unit;
-}
 
 char* EncodeUtf8(StringView text, char* to, std::uint64_t& replaced) {
     for (std::size_t i = 0; i < text.size();) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/strings.h"
+#include "base/utf16.h"
 
 // Appends `text` to `bytes` as UTF-8. Surrogate pairs become four bytes; an unpaired surrogate
 // becomes U+FFFD (EF BF BD), so the result is always valid UTF-8.
@@ -20,8 +21,12 @@ std::string ToUtf8(StringView text);
 bool FromUtf8(std::string_view bytes, String& text);
 
 // The code point at `position`, which is moved past it. An unpaired surrogate comes out as itself.
-char32_t TakeCodePoint(StringView text, std::size_t& position);
-constexpr bool IsSurrogate(char32_t point) { return point >= 0xD800 && point <= 0xDFFF; }
+inline char32_t TakeCodePoint(StringView text, std::size_t& position) {
+    std::size_t units = 0;
+    const char32_t point = CharacterAt(text.substr(position), units);
+    position += units;
+    return point;
+}
 
 // AppendUtf8 into room that the caller has: three bytes a unit. Returns where the result ends.
 // replaced: grows by the unpaired surrogates.

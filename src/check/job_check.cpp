@@ -343,7 +343,8 @@ private:
                         [&](const Element& one) { return one.name == macro; })) {
             return true;
         }
-        return macro == kTableMacro && section == Section::Target && SourceNamesTable(key);
+        return (macro == kTableMacro || macro == kSchemaMacro) && section == Section::Target &&
+               SourceNamesTable(key);
     }
 
     // Whether the step's source says which table it reads, for every key or for the table's name.

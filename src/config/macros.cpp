@@ -41,6 +41,9 @@ void Configuration::ResolveMacros(String& value) const {
 void Configuration::ResolveAllMacros(String& value) const {
     ResolveUserMacros(value);
     ResolveMacros(value);
+    if (macros_.Table() && Follows(Rule::SchemaIsMacro)) {
+        text::ReplaceAll(value, kSchemaMacro, macros_.Schema());
+    }
     if (!Contains(value, kTableMacro)) return;
     if (macros_.Table()) {
         text::ReplaceAll(value, kTableMacro, *macros_.Table());

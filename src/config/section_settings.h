@@ -40,8 +40,10 @@ public:
     void ResolveUserMacros(Key key, String& value) const {
         if (!configuration_->ReplacesMacros(*key)) configuration_->ResolveUserMacros(value);
     }
-    // Tells which table the step reads from now on: "$TABLE$".
-    void NameTable(StringView table) const { configuration_->Macros().NameTable(table); }
+    // Tells which table the step reads from now on: "$TABLE$" and, of the schema, "$SCHEMA$".
+    void NameTable(StringView table, StringView schema = {}) const {
+        configuration_->Macros().NameTable(table, schema);
+    }
 
 private:
     Configuration* configuration_;

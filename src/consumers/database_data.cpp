@@ -26,9 +26,8 @@ DatabaseData::~DatabaseData() {
     if (database_) database_->Close();
 }
 
-bool DatabaseData::Open(String& error, const SectionSettings& settings) {
-    written_size_ = 0;
-    prefix_.clear();
+// Reads the settings and connects.
+bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
     DataStorages::ConnectionSettings connection;
     if (!connection.Read(error, settings,
                          u"The data source name or connect string is not provided")) {
@@ -41,22 +40,41 @@ bool DatabaseData::Open(String& error, const SectionSettings& settings) {
     }
     delimiter_ = settings.Text(kDelimiter);
     database_ = DataStorages::OpenDatabase(error, connection);
-    if (!database_) return false;
+    return database_ != nullptr;
+}
+
+bool DatabaseData::Open(String& error, const SectionSettings& settings) {
+    written_size_ = 0;
+    prefix_.clear();
+    if (!Connect(error, settings)) return false;
     const bool described = database_->Query(error, u"select * from " + table_, table_rows_);
     database_->CloseQuery();
     if (!described) error = u"Could not retrieve table defintition";  // published spelling
     return described;
 }
 
+bool DatabaseData::CheckColumns(String& error, const SectionSettings& settings,
+                                const RowSet& rows) {
+    if (!Connect(error, settings)) return false;
+    if (!database_->Describe(error, u"select * from " + table_, table_rows_)) {
+        error = u"Could not retrieve table defintition";
+        return false;
+    }
+    return ColumnsFit(error, rows);
+}
+
+bool DatabaseData::ColumnsFit(String& error, const RowSet& rows) const {
+    if (rows.Columns.size() == table_rows_.Columns.size()) return true;
+    // Published spelling.
+    error = Format(u"Traget table has different structure [%d -> %d columns].", rows.Columns.size(),
+                   table_rows_.Columns.size());
+    return false;
+}
+
 bool DatabaseData::Prepare(String& /*error*/, RowSet& /*rows*/) { return true; }
 
 bool DatabaseData::Write(String& error, RowSet& rows) {
-    if (rows.Columns.size() != table_rows_.Columns.size()) {
-        // Published spelling.
-        error = Format(u"Traget table has different structure [%d -> %d columns].",
-                       rows.Columns.size(), table_rows_.Columns.size());
-        return false;
-    }
+    if (!ColumnsFit(error, rows)) return false;
     if (prefix_.empty()) prefix_ = sql::InsertPrefix(table_, table_rows_.Columns, false);
     statement_ = prefix_;
     if (!sql::AppendValueList(error, statement_, rows.Columns, rows.Row)) return false;

@@ -27,8 +27,13 @@ public:
     // Always false: the rows of a further result set go into the same table.
     bool NextResultSet(String& error, const SectionSettings& settings) override;
     bool Close(String& error) override;
+    // "Traget table has different structure [%d -> %d columns]." likewise; no row is touched.
+    bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows) override;
 
 private:
+    bool Connect(String& error, const SectionSettings& settings);
+    bool ColumnsFit(String& error, const RowSet& rows) const;
+
     std::unique_ptr<DataStorages::StorageDatabase> database_;
     String table_;
     String delimiter_;

@@ -111,7 +111,7 @@ bool FileTarget::SetsMark(const SectionSettings& settings) { return settings.IsS
 // Found out before any file is touched.
 bool FileTarget::EncodingIsKnown(String& error) const {
     ErrorRecord reason;
-    const bool known = MakeTextEncoder(reason, form_.encoding, form_.unmappable) != nullptr;
+    const bool known = KnowsEncoding(reason, form_.encoding);
     if (!known) error = reason.text;
     return known;
 }

@@ -18,4 +18,6 @@ enum class Rule {
     EmptyTextIsTold,      // a text file that should hold names and is empty is told of by its name
     WidthsAsWritten,      // fixed widths are those of what is written, in every result set
     LossesAreCounted,     // the statistics count records skipped and rows rejected
+    DriversQuotes,        // names in queries stand between the quotes that the driver tells
+    SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
 };

@@ -15,9 +15,6 @@
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
-constexpr char32_t kLastCodePoint = 0x10FFFF;
-
-bool IsCharacter(char32_t point) { return point <= kLastCodePoint && !IsSurrogate(point); }
 
 std::span<const std::byte> BytesBetween(const char* begin, const char* end) {
     return std::as_bytes(std::span(begin, end));
@@ -44,7 +41,6 @@ public:
         bytes = BytesBetween(to, EncodeUtf8(text, to, replaced_));
         return true;
     }
-    bool Has(char32_t point) const override { return IsCharacter(point); }
 
 private:
     Room room_;
@@ -58,7 +54,6 @@ public:
         bytes = std::as_bytes(std::span(text));
         return true;
     }
-    bool Has(char32_t point) const override { return IsCharacter(point); }
 };
 
 class Utf16Encoder final : public TextEncoder {
@@ -78,7 +73,6 @@ public:
         bytes = std::as_bytes(std::span(text_));
         return true;
     }
-    bool Has(char32_t point) const override { return IsCharacter(point); }
 
 private:
     String text_;
@@ -91,7 +85,6 @@ public:
         error.text = kEncodingNotSupported;
         return false;
     }
-    bool Has(char32_t point) const override { return IsCharacter(point); }
 };
 
 // One byte a unit: its low eight bits.
@@ -106,7 +99,6 @@ public:
         bytes = BytesBetween(to, end);
         return true;
     }
-    bool Has(char32_t point) const override { return point <= 0xFF; }
 
 private:
     Room room_;
@@ -155,7 +147,6 @@ public:
         bytes = BytesBetween(begin, to);
         return true;
     }
-    bool Has(char32_t point) const override { return point <= 0xFF; }
 };
 
 class CodePageEncoder final : public LackingEncoder {
@@ -186,10 +177,6 @@ public:
         return true;
     }
 
-    bool Has(char32_t point) const override {
-        return point <= 0xFFFF && table_.Of(static_cast<char16_t>(point)) != 0;
-    }
-
 private:
     static constexpr std::size_t kEntryBytes = sizeof(std::uint32_t);
 
@@ -210,6 +197,10 @@ std::unique_ptr<TextEncoder> MakeCodePageEncoder(ErrorRecord& error, const FileE
 }
 
 }  // namespace
+
+bool KnowsEncoding(ErrorRecord& error, const FileEncoding& encoding) {
+    return !encoding.code_page || OpenCodePage(error, encoding) != nullptr;
+}
 
 std::unique_ptr<TextEncoder> MakeTextEncoder(ErrorRecord& error, const FileEncoding& encoding,
                                              Unmappable unmappable) {

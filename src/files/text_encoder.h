@@ -28,14 +28,15 @@ public:
     // be replaced, and with "Encoding is not supported yet" for UTF-16 big-endian. Nothing of the
     // text is to be written then.
     virtual bool Encode(ErrorRecord& error, StringView text, std::span<const std::byte>& bytes) = 0;
-    // Whether the encoding has a character; for formats that write another one by an escape.
-    virtual bool Has(char32_t point) const = 0;
     // Characters that became U+FFFD or "?" so far.
     std::uint64_t Replaced() const { return replaced_; }
 
 protected:
     std::uint64_t replaced_ = 0;
 };
+
+// Whether an encoder can be made: what MakeTextEncoder says, before anything is opened or emptied.
+bool KnowsEncoding(ErrorRecord& error, const FileEncoding& encoding);
 
 // Fails, with null, with "Encoding %s is not known on this system." for a code page.
 std::unique_ptr<TextEncoder> MakeTextEncoder(ErrorRecord& error, const FileEncoding& encoding,

@@ -23,7 +23,7 @@ void TellUnwritable(ErrorRecord& error) {
 
 bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
     output_.reset();  // it may be the same file
-    if (!MakeEncoder(error, form, form.encoding)) return false;
+    if (!KnowsEncoding(error, form.encoding)) return false;
     bool existed = false;
     auto file = OpenForWriting(error, name, append, existed);
     return file && Begin(error, name, std::move(file), form, append && existed);

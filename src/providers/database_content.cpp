@@ -69,19 +69,33 @@ void WarnOfLoss(const String& reason) {
 
 }  // namespace
 
-KeyList DatabaseContent::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
+KeyList DatabaseContent::Keys() {
+    return {kKeys, ReadingKeys(), DataStorages::ConnectionSettings::Keys()};
+}
 
-bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+bool DatabaseContent::OpenList(String& error, const SectionSettings& settings) {
     settings_ = settings;
     tables_.clear();
     next_ = 0;
     missing_tables_ = settings.Word(kMissingTables, MissingTables::End);
     loss_fails_step_ = false;
     DataStorages::ConnectionSettings connection;
-    return connection.Read(error, settings,
-                           u"The database type or connection type is not supported yet") &&
-           Connect(error, connection) && ListTables(error, settings.Text(kTables)) &&
-           HasMoreData(error, rows);
+    if (!connection.Read(error, settings,
+                         u"The database type or connection type is not supported yet") ||
+        !Connect(error, connection, settings)) {
+        return false;
+    }
+    if (settings.Follows(Rule::DriversQuotes)) quote_ = database_->IdentifierQuote();
+    return ListTables(error, settings.Text(kTables));
+}
+
+bool DatabaseContent::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+    return OpenList(error, settings) && HasMoreData(error, rows);
+}
+
+bool DatabaseContent::Describe(String& error, const SectionSettings& settings, RowSet& rows) {
+    return OpenList(error, settings) && !tables_.empty() &&
+           DescribeQuery(error, NameNext(tables_.front(), rows), rows);
 }
 
 bool DatabaseContent::ListTables(String& error, const String& names) {
@@ -112,7 +126,7 @@ bool DatabaseContent::HasMoreData(String& error, RowSet& rows) {
     return false;
 }
 
-bool DatabaseContent::SelectTable(String& error, const TableEntry& table, RowSet& rows) {
+String DatabaseContent::NameNext(const TableEntry& table, RowSet& rows) {
     String query = u"select * from ";
     if (!table.Detail.empty()) {
         sql::AppendIdentifier(query, table.Detail, quote_);
@@ -121,7 +135,12 @@ bool DatabaseContent::SelectTable(String& error, const TableEntry& table, RowSet
     sql::AppendIdentifier(query, table.Name, quote_);
     rows.SchemaName = table.Detail;
     rows.TableName = table.Name;
-    settings_->NameTable(table.Name);
+    settings_->NameTable(table.Name, table.Detail);
+    return query;
+}
+
+bool DatabaseContent::SelectTable(String& error, const TableEntry& table, RowSet& rows) {
+    const String query = NameNext(table, rows);
     rows.ClearRow();
     return RunQuery(error, query, rows);
 }

@@ -19,6 +19,8 @@ public:
     // The database's own messages; after a failed query the query text follows on its own line.
     // Without a text where there is no table.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+    // Describes the first table.
+    bool Describe(String& error, const SectionSettings& settings, RowSet& rows) override;
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
     // Goes on to the next table. One that cannot be read ends the rows, is left out with a notice,
     // or fails the step, as `MissingTables` says.
@@ -28,6 +30,9 @@ private:
     enum class MissingTables { End, Skip, Stop };
 
     bool ListTables(String& error, const String& names);
+    bool OpenList(String& error, const SectionSettings& settings);
+    // The query for a table, whose names are then those of the row set and the macros.
+    String NameNext(const DataStorages::TableEntry& table, RowSet& rows);
     bool SelectTable(String& error, const DataStorages::TableEntry& table, RowSet& rows);
 
     std::optional<SectionSettings> settings_;

@@ -79,19 +79,30 @@ bool ReadQuery(String& error, const SectionSettings& settings, String& query) {
 
 }  // namespace
 
-KeyList DatabaseQuery::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
+KeyList DatabaseQuery::Keys() {
+    return {kKeys, ReadingKeys(), DataStorages::ConnectionSettings::Keys()};
+}
 
-bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
+bool DatabaseQuery::ConnectForQuery(String& error, const SectionSettings& settings, String& query) {
     DataStorages::ConnectionSettings connection;
     if (!connection.Read(error, settings,
-                         u"The data source or connection string is not provided.")) {
+                         u"The data source or connection string is not provided.") ||
+        !ReadQuery(error, settings, query) || !Connect(error, connection, settings)) {
         return false;
     }
+    settings.ResolveAllMacros(query);
+    return true;
+}
+
+bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     row_follows_columns_ = settings.Follows(Rule::RowFollowsColumns);
     String query;
-    if (!ReadQuery(error, settings, query) || !Connect(error, connection)) return false;
-    settings.ResolveAllMacros(query);
-    return RunQuery(error, query, rows);
+    return ConnectForQuery(error, settings, query) && RunQuery(error, query, rows);
+}
+
+bool DatabaseQuery::Describe(String& error, const SectionSettings& settings, RowSet& rows) {
+    String query;
+    return ConnectForQuery(error, settings, query) && DescribeQuery(error, query, rows);
 }
 
 bool DatabaseQuery::HasMoreData(String& error, RowSet& rows) {

@@ -16,11 +16,16 @@ public:
     // "The query file '%s' is empty"
     // The database's own messages; after a failed query the query text follows on its own line.
     bool Open(String& error, const SectionSettings& settings, RowSet& rows) override;
+    // Has the query prepared; it is not executed.
+    bool Describe(String& error, const SectionSettings& settings, RowSet& rows) override;
     // The row keeps its length, so that targets refuse the rows of a narrower result set, unless
     // the job wants rows to follow their columns.
     bool HasMoreData(String& error, RowSet& rows) override;
 
 private:
+    // Connects, and returns the query with its macros replaced.
+    bool ConnectForQuery(String& error, const SectionSettings& settings, String& query);
+
     // The row gets the length of each result set. Else it keeps the greatest so far, and targets
     // refuse the rows of a narrower one.
     bool row_follows_columns_ = false;

@@ -18,11 +18,17 @@ public:
     bool Close() override;
 
 protected:
-    // Connects to another database, in place of the one before.
-    bool Connect(String& error, const DataStorages::ConnectionSettings& connection);
+    // The keys of how rows are read.
+    static KeySpan ReadingKeys();
+    // Connects to another database, in place of the one before, and has its rows read as the
+    // section says.
+    bool Connect(String& error, const DataStorages::ConnectionSettings& connection,
+                 const SectionSettings& settings);
     // Runs a query and describes its columns. After a failure the query text follows the
     // database's message on its own line.
     bool RunQuery(String& error, const String& query, RowSet& rows);
+    // Describes the columns that a query would return, without running it. Fails as RunQuery does.
+    bool DescribeQuery(String& error, const String& query, RowSet& rows);
     // Notes why reading has ended, where the end of the data was not the reason.
     void NoteLoss(const String& error);
 

@@ -109,6 +109,7 @@ String ODBCDatabase::IdentifierQuote() const {
 }
 
 bool ODBCDatabase::CloseQuery() {
+    reader_.reset();
     statement_.Reset();
     query_active_ = false;
     return true;
@@ -126,6 +127,7 @@ bool ODBCDatabase::Close() {
 
 // A statement that an earlier call left open is not freed here: disconnecting does that.
 bool ODBCDatabase::AllocateStatement() {
+    reader_.reset();
     statement_.Release();
     statement_ = ODBCHandle(ODBCHandle::Kind::Statement, connection_.Get());
     if (!statement_) StoreDiagnostic();
@@ -155,6 +157,14 @@ bool ODBCDatabase::Execute(const String& statement) {
     return odbc::SucceededOrNoData(SQLExecDirect(statement_.Get(), odbc::Bytes(bytes), SQL_NTS));
 }
 
+bool ODBCDatabase::Prepare(const String& statement) {
+    if (!narrow_driver_ || !odbc::SpoiltByNarrowing(statement)) {
+        return odbc::Succeeded(SQLPrepareW(statement_.Get(), odbc::Wide(statement), SQL_NTS));
+    }
+    std::string bytes = ToUtf8(statement);
+    return odbc::Succeeded(SQLPrepare(statement_.Get(), odbc::Bytes(bytes), SQL_NTS));
+}
+
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
     query_active_ = false;
@@ -164,9 +174,27 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
         return false;
     }
     reading_failed_ = false;
-    column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
+    DescribeResult(rows);
     query_active_ = true;
     return true;
+}
+
+bool ODBCDatabase::Describe(String& error, const String& statement, RowSet& rows) {
+    if (!PrepareStatement(error, statement)) return false;
+    if (!Prepare(statement)) {
+        StoreDiagnostic();
+        error = u"ODBCDatabase::Query execution error: " + last_error_;
+        return false;
+    }
+    SQLSMALLINT count = 0;
+    // Some drivers ask the database only now.
+    if (!odbc::Succeeded(SQLNumResultCols(statement_.Get(), &count))) {
+        StoreDiagnostic();
+        error = u"ODBCDatabase::Query execution error: " + last_error_;
+        return false;
+    }
+    DescribeColumns(statement_.Get(), rows.Columns);
+    return CloseQuery();
 }
 
 bool ODBCDatabase::ExecNonQuery(String& error, const String& statement) {
@@ -188,28 +216,29 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
     return odbc::Succeeded(result);
 }
 
+void ODBCDatabase::DescribeResult(RowSet& rows) {
+    column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
+    reader_ =
+        MakeRowReader(method_, connection_.Get(), statement_.Get(), rows.Columns, value_buffer_);
+}
+
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
-    if (!query_active_ || !RecordMove(SQLFetch(statement_.Get()))) return false;
+    if (!query_active_ || !RecordMove(reader_->Next())) return false;
     const auto count = static_cast<std::uint16_t>(column_count_);
     rows.GrowRow(count);
     for (std::uint16_t i = 0; i < count; ++i) {
-        StringView text;
-        const auto number = static_cast<std::uint16_t>(i + 1);
-        const auto read = value_buffer_.Read(statement_.Get(), number, kValueBufferBytes, text);
-        if (read == ODBCValueBuffer::Outcome::Failed) {
+        DataValue& value = rows.Row[i];
+        if (!reader_->Read(i, value)) {
             StoreDiagnostic();
             error = last_error_;
             return false;
         }
-        DataValue& value = rows.Row[i];
-        value.IsNull = read == ODBCValueBuffer::Outcome::Null;
-        value.Text.assign(text);
         if (!track_widths || value.IsNull) continue;
         if (i >= rows.Columns.size()) {
             error = u"ODBCDatabase::Fetch. Wrong 'definitions' array size.";
             return false;
         }
-        rows.Columns[i].RaiseMaxWidth(text.size());
+        rows.Columns[i].RaiseMaxWidth(value.Text.size());
     }
     return true;
 }
@@ -220,7 +249,8 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
         return false;
     }
     if (!RecordMove(SQLMoreResults(statement_.Get()))) return false;
-    column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
+    reader_.reset();
+    DescribeResult(rows);
     return true;
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "storages/odbc_catalogue.h"
 #include "storages/odbc_environment.h"
 #include "storages/odbc_handle.h"
+#include "storages/odbc_row_reader.h"
 #include "storages/odbc_value_buffer.h"
 #include "storages/storage_database.h"
 
@@ -41,12 +43,17 @@ public:
     // "ODBCDatabase::Query execution error: "
     bool Query(String& error, const String& statement, RowSet& rows) override;
 
+    // The messages of Query.
+    bool Describe(String& error, const String& statement, RowSet& rows) override;
+    void ReadBy(const ReadingMethod& method) override { method_ = method; }
+
     // The first three messages of Query, and "ODBCDatabase::ExecNonQuery execution error: %s".
     bool ExecNonQuery(String& error, const String& statement) override;
 
     // A failing fetch ends the data without a message, as its end does, see ReadingFailed; a value
     // that cannot be read fails with the driver's diagnostic. Values longer than the buffer are
-    // cut. "ODBCDatabase::Fetch. Wrong 'definitions' array size."
+    // cut unless the method of reading says otherwise. "ODBCDatabase::Fetch. Wrong 'definitions'
+    // array size."
     bool Fetch(String& error, RowSet& rows, bool track_widths) override;
 
     // "ODBCDatabase::HasMoreData no active statement"
@@ -79,6 +86,8 @@ private:
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
     bool Execute(const String& statement);
+    bool Prepare(const String& statement);
+    void DescribeResult(RowSet& rows);
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();
@@ -92,6 +101,8 @@ private:
     ODBCHandle statement_;
     std::int16_t column_count_ = 0;
     ODBCValueBuffer value_buffer_;
+    ReadingMethod method_;
+    std::unique_ptr<ODBCRowReader> reader_;  // of the current result set; unbinds before it goes
     String last_error_;
 };
 

@@ -12,6 +12,7 @@ class ODBCValueBuffer {
 public:
     enum class Outcome { Failed, Null, Text };
 
+    // bytes: its room
     explicit ODBCValueBuffer(std::int32_t bytes);
 
     // Reads a column, counted from 1, of the statement's current row. `text` points into this
@@ -19,8 +20,15 @@ public:
     // room_bytes: how much of the buffer to use, at most what it was made with
     // Failed: the diagnostic is the statement's.
     Outcome Read(void* statement, std::uint16_t number, std::int32_t room_bytes, StringView& text);
+    // The same with the whole room, into a text of the caller's.
+    Outcome ReadCut(void* statement, std::uint16_t number, String& text);
+    // Reads a value to its end, piece by piece.
+    Outcome ReadWhole(void* statement, std::uint16_t number, String& text);
 
 private:
+    StringView Piece(std::int32_t room_bytes, std::int64_t indicator);
+
+    const std::int32_t bytes_;
     std::unique_ptr<char16_t[]> units_;
 };
 

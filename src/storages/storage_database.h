@@ -27,6 +27,15 @@ struct CatalogColumn {
     String Default;
 };
 
+// How rows are read.
+struct ReadingMethod {
+    // In blocks of rows, where driver and columns allow it; else value by value. The same values
+    // come out.
+    bool in_blocks = false;
+    std::uint64_t block_bytes = 0;  // most room for a block
+    bool whole_values = false;      // else long values are cut, see the database
+};
+
 enum class TableKind { Tables = 0, Views = 1 };
 
 // A database: statements go in, result sets come out. Operations return false on failure and say
@@ -38,6 +47,10 @@ public:
                       const String& password) = 0;
     // Executes a statement that returns rows and describes its columns into `rows`.
     virtual bool Query(String& error, const String& statement, RowSet& rows) = 0;
+    // Describes the columns that a statement would return, and does not execute it.
+    virtual bool Describe(String& error, const String& statement, RowSet& rows) = 0;
+    // How the rows of the queries from now on are read. Without it: value by value, long ones cut.
+    virtual void ReadBy(const ReadingMethod& method) = 0;
     // Executes a statement and discards any result.
     virtual bool ExecNonQuery(String& error, const String& statement) = 0;
     // Reads the next row into `rows.Row`. track_widths: also raise each column's MaxWidth.

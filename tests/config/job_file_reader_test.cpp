@@ -37,7 +37,8 @@ String OutcomeOf(const testing_support::ScratchFolder& folder, std::string job) 
     }
     for (const String& line : listing.Messages())
         outcome.append(text::Trim(line, text::kBlanks)).append(u"|");
-    text::ReplaceAll(outcome, here, u"<");
+    for (const StringView separator : {u"/", u"\\"})
+        text::ReplaceAll(outcome, folder.Path() + String(separator), u"<");
     return outcome;
 }
 

@@ -1,0 +1,224 @@
+#include "storages/odbc_row_reader.h"
+
+#include <algorithm>
+
+#include "core/sql_types.h"
+#include "storages/odbc_calls.h"
+
+namespace DataStorages {
+namespace {
+
+constexpr std::size_t kMostRows = 1'000;          // of a block; more gains nothing
+constexpr std::size_t kUnsizedCellUnits = 1'024;  // for a column without a usable length
+constexpr std::int32_t kLongestCellUnits = 4'000;
+
+// How a value that may be longer than the room for it is read.
+using LongValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
+
+bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, LongValueRead read, void* statement,
+              std::uint16_t position) {
+    const auto number = static_cast<std::uint16_t>(position + 1);
+    const auto outcome = (buffer.*read)(statement, number, value.Text);
+    value.IsNull = outcome == ODBCValueBuffer::Outcome::Null;
+    if (outcome != ODBCValueBuffer::Outcome::Text) value.Text.clear();
+    return outcome != ODBCValueBuffer::Outcome::Failed;
+}
+
+// Asks for each value by a call of its own.
+class ValueByValue final : public ODBCRowReader {
+public:
+    ValueByValue(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
+        : statement_(statement), buffer_(buffer), read_(read) {}
+
+    std::int16_t Next() override { return SQLFetch(statement_); }
+    bool Read(std::uint16_t position, DataValue& value) override {
+        return ReadInto(value, buffer_, read_, statement_, position);
+    }
+
+private:
+    void* statement_;
+    ODBCValueBuffer& buffer_;
+    LongValueRead read_;
+};
+
+// ---- Blocks ----
+
+// Units for a value of a column and the zero behind it; none where no length is known that all
+// values keep to.
+std::size_t CellUnits(const ColumnDefinition& column) {
+    const std::int32_t type = column.ConciseType;
+    const bool is_long =
+        type == kSqlLongVarchar || type == kSqlWLongVarchar || type == kSqlLongVarbinary;
+    const std::int32_t length = std::max(column.DisplaySize, column.Length);
+    if (is_long || length <= 0 || length > kLongestCellUnits) return 0;
+    // A character may take two units, a byte two digits.
+    return 2 * static_cast<std::size_t>(length) + 2;
+}
+
+// Has the driver put whole blocks of rows into cells of fixed size. A value that does not fit is
+// asked for again.
+class Blocks final : public ODBCRowReader {
+public:
+    Blocks(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
+        : statement_(statement), buffer_(buffer), read_(read) {}
+    ~Blocks() override { Unbind(); }
+    Blocks(const Blocks&) = delete;
+    Blocks& operator=(const Blocks&) = delete;
+
+    // Lays the cells out in `bytes`. False when there is no room for a row, or the driver refuses.
+    bool Bind(std::vector<std::size_t> units, bool several_rows, std::uint64_t bytes);
+
+    std::int16_t Next() override;
+    bool Read(std::uint16_t position, DataValue& value) override;
+
+private:
+    bool AskForRows(std::size_t rows);
+    void Unbind();
+    std::int16_t FetchBlock();
+
+    void* statement_;
+    ODBCValueBuffer& buffer_;
+    LongValueRead read_;
+    std::vector<std::size_t> units_;     // of a cell, by column
+    std::vector<std::size_t> first_;     // unit of a column's first cell
+    std::unique_ptr<char16_t[]> cells_;  // column by column
+    std::vector<SQLLEN> indicators_;     // likewise
+    std::vector<SQLUSMALLINT> states_;   // by row
+    SQLULEN fetched_ = 0;
+    std::size_t rows_ = 1;       // of a block
+    std::size_t row_ = 0;        // the current one
+    std::size_t good_rows_ = 0;  // in the block
+    bool failed_ = false;        // behind its good rows
+};
+
+bool Blocks::AskForRows(std::size_t rows) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
+    auto* const number = reinterpret_cast<SQLPOINTER>(rows);
+    return odbc::Succeeded(SQLSetStmtAttrW(statement_, SQL_ATTR_ROW_ARRAY_SIZE, number, 0));
+}
+
+bool Blocks::Bind(std::vector<std::size_t> units, bool several_rows, std::uint64_t bytes) {
+    units_ = std::move(units);
+    std::size_t row_bytes = 0;
+    for (const std::size_t cell : units_) row_bytes += cell * sizeof(char16_t) + sizeof(SQLLEN);
+    if (row_bytes > bytes) return false;
+    if (several_rows) {
+        rows_ = static_cast<std::size_t>(std::min<std::uint64_t>(kMostRows, bytes / row_bytes));
+        states_.resize(rows_);
+        const bool taken =
+            odbc::Succeeded(
+                SQLSetStmtAttrW(statement_, SQL_ATTR_ROW_STATUS_PTR, states_.data(), 0)) &&
+            odbc::Succeeded(SQLSetStmtAttrW(statement_, SQL_ATTR_ROWS_FETCHED_PTR, &fetched_, 0)) &&
+            AskForRows(rows_);
+        if (!taken) return false;
+    }
+    std::size_t all_units = 0;
+    for (const std::size_t cell : units_) {
+        first_.push_back(all_units);
+        all_units += cell * rows_;
+    }
+    cells_ = std::make_unique_for_overwrite<char16_t[]>(all_units);
+    indicators_.resize(units_.size() * rows_);
+    for (std::size_t i = 0; i < units_.size(); ++i) {
+        const auto room = static_cast<SQLLEN>(units_[i] * sizeof(char16_t));
+        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), SQL_C_WCHAR,
+                                        cells_.get() + first_[i], room,
+                                        indicators_.data() + i * rows_))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void Blocks::Unbind() {
+    SQLFreeStmt(statement_, SQL_UNBIND);
+    if (states_.empty()) return;
+    SQLSetStmtAttrW(statement_, SQL_ATTR_ROW_STATUS_PTR, nullptr, 0);
+    SQLSetStmtAttrW(statement_, SQL_ATTR_ROWS_FETCHED_PTR, nullptr, 0);
+    AskForRows(1);
+}
+
+std::int16_t Blocks::Next() {
+    if (++row_ < good_rows_) return SQL_SUCCESS;
+    if (failed_) return SQL_ERROR;
+    row_ = 0;
+    return states_.empty() ? SQLFetch(statement_) : FetchBlock();
+}
+
+// A block may have good rows in front of one that cannot be read: those are delivered.
+std::int16_t Blocks::FetchBlock() {
+    fetched_ = 0;
+    std::fill(states_.begin(), states_.end(), static_cast<SQLUSMALLINT>(SQL_ROW_NOROW));
+    const SQLRETURN result = SQLFetch(statement_);
+    const auto end =
+        states_.begin() + static_cast<std::ptrdiff_t>(std::min<SQLULEN>(fetched_, rows_));
+    const auto bad = std::find_if(states_.begin(), end, [](SQLUSMALLINT state) {
+        return state == SQL_ROW_ERROR || state == SQL_ROW_NOROW;
+    });
+    good_rows_ = static_cast<std::size_t>(bad - states_.begin());
+    failed_ = !odbc::SucceededOrNoData(result) || bad != end;
+    if (good_rows_ != 0) return SQL_SUCCESS;
+    return failed_ ? static_cast<SQLRETURN>(SQL_ERROR) : static_cast<SQLRETURN>(SQL_NO_DATA);
+}
+
+bool Blocks::Read(std::uint16_t position, DataValue& value) {
+    const SQLLEN bytes = indicators_[position * rows_ + row_];
+    value.IsNull = bytes == SQL_NULL_DATA;
+    if (value.IsNull) {
+        value.Text.clear();
+        return true;
+    }
+    const std::size_t cell = units_[position];
+    if (bytes >= 0 && static_cast<std::size_t>(bytes) < cell * sizeof(char16_t)) {
+        value.Text.assign(cells_.get() + first_[position] + row_ * cell,
+                          static_cast<std::size_t>(bytes) / sizeof(char16_t));
+        return true;
+    }
+    const auto row = static_cast<SQLSETPOSIROW>(row_ + 1);
+    if (!states_.empty() &&
+        !odbc::Succeeded(SQLSetPos(statement_, row, SQL_POSITION, SQL_LOCK_NO_CHANGE))) {
+        return false;
+    }
+    return ReadInto(value, buffer_, read_, statement_, position);
+}
+
+// Null where the driver or the columns do not allow it.
+std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abilities,
+                                          void* statement,
+                                          const std::vector<ColumnDefinition>& columns,
+                                          ODBCValueBuffer& buffer, LongValueRead read) {
+    if (columns.empty() || (abilities & SQL_GD_BOUND) == 0) return nullptr;
+    // Only a driver that reads values of every row of a block again may have several, and some
+    // that say they do read those of another row. So columns whose values may turn out too long
+    // are taken row by row.
+    bool several_rows = (abilities & SQL_GD_BLOCK) != 0;
+    std::vector<std::size_t> units;
+    for (const ColumnDefinition& column : columns) {
+        const std::size_t cell = CellUnits(column);
+        if (cell == 0) several_rows = false;
+        units.push_back(cell == 0 ? kUnsizedCellUnits : cell);
+    }
+    auto blocks = std::make_unique<Blocks>(statement, buffer, read);
+    if (!blocks->Bind(std::move(units), several_rows, bytes)) return nullptr;
+    return blocks;
+}
+
+}  // namespace
+
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* connection,
+                                             void* statement,
+                                             const std::vector<ColumnDefinition>& columns,
+                                             ODBCValueBuffer& buffer) {
+    const LongValueRead read =
+        method.whole_values ? &ODBCValueBuffer::ReadWhole : &ODBCValueBuffer::ReadCut;
+    std::unique_ptr<ODBCRowReader> reader;
+    if (method.in_blocks) {
+        SQLUINTEGER abilities = 0;
+        SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
+        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, read);
+    }
+    if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, read);
+    return reader;
+}
+
+}  // namespace DataStorages

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/row_set.h"
+#include "storages/odbc_value_buffer.h"
+#include "storages/storage_database.h"
+
+namespace DataStorages {
+
+// Reads the rows of a statement's current result set, in one of the ways of a ReadingMethod. Made
+// for each result set.
+class ODBCRowReader {
+public:
+    virtual ~ODBCRowReader() = default;
+
+    // Moves to the next row. Returns what ODBC returned (ODBC reference, SQLFetch); the diagnostic
+    // of a failure is the statement's.
+    virtual std::int16_t Next() = 0;
+    // Reads a value of the row, position from 0. False when that fails; the diagnostic is the
+    // statement's.
+    virtual bool Read(std::uint16_t position, DataValue& value) = 0;
+};
+
+// The reader that the method asks for, or the one that asks for each value where the driver or the
+// columns do not allow blocks.
+// connection: of the statement; buffer: takes long values
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* connection,
+                                             void* statement,
+                                             const std::vector<ColumnDefinition>& columns,
+                                             ODBCValueBuffer& buffer);
+
+}  // namespace DataStorages

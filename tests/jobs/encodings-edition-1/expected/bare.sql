@@ -1,0 +1,2 @@
+insert into "t" values ('přý')
+insert into "t" values ('€')

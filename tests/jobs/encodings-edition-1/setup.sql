@@ -1,0 +1,2 @@
+create table words (word text);
+insert into words values ('přý'), ('€');
