@@ -73,7 +73,7 @@ protected:
             column.Included = name != u"-";
         }
     }
-    void NameTable(int number) { step_.Job().Macros().NameTable(Format(u"t%d", number)); }
+    void NameTable(int number) { step_.Job().Macros().NameTable(Format(u"t%d", number), u""); }
 
     ScratchFolder folder_;
     OneStep step_;
