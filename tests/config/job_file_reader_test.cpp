@@ -87,7 +87,7 @@ TEST(JobFile, OfEditionTwoIsReadWholeAndStrictly) {
     const testing_support::ScratchFolder folder;
     folder.Write("inner", "b=2\r\n\r\n; c=3\n");
     folder.Write("outer", "@include " + ToUtf8(folder.Path("inner")) + "\nd=\xC5\xBB");
-    folder.Write("loop", "\n@include " + ToUtf8(folder.Path("loop")) + "\n");
+    folder.Write("loop", "\n@include " + ToUtf8(folder.Path() + u"/loop") + "\n");
     folder.Write("latin", "\n\ne=\xE9\n");
     const std::string globals = "Globals\n\nEdition=2\n";
     for (const auto& [job, expected] : {
