@@ -37,6 +37,7 @@ struct ColumnDefinition {
     std::int32_t Length = 0;       // characters, or the precision of other types
     std::int32_t DisplaySize = 0;
     std::int32_t OctetLength = 0;
+    std::int32_t Digits = -1;    // behind the decimal point or of a second; -1: not told
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters
 
     void RaiseMaxWidth(std::uint64_t width) {
@@ -60,6 +61,10 @@ struct RowSet {
     std::vector<ColumnDefinition> Columns;
     DataRow Row;  // never shortened by a fetch, so its texts keep their room
     std::unique_ptr<std::vector<RowSet>> Nested;
+    // Of the current row: its number in the source, from 1, and where in a file it began; 0: not
+    // known.
+    std::uint64_t Number = 0;
+    std::uint64_t Line = 0;
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 
     // Appends default values until there are at least `count`.

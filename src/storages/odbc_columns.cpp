@@ -91,6 +91,7 @@ ColumnDefinition Describe(const DescribedColumn& described) {
     column.DataType = described.Number(SQL_DESC_TYPE);
     column.ConciseType = described.Number(SQL_DESC_CONCISE_TYPE);
     column.OctetLength = described.Number(SQL_DESC_OCTET_LENGTH);
+    column.Digits = described.Number(SQL_DESC_SCALE);
     column.AutoUnique = described.Number(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
     column.Nullable = described.Number(SQL_DESC_NULLABLE) == SQL_NULLABLE;
     column.LiteralPrefix = described.Literal(SQL_DESC_LITERAL_PREFIX, column.DataType);
