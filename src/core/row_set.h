@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -38,6 +39,7 @@ struct ColumnDefinition {
     std::int32_t DisplaySize = 0;
     std::int32_t OctetLength = 0;
     std::int32_t Digits = -1;    // behind the decimal point or of a second; -1: not told
+    bool Unsigned = false;       // of whole numbers
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters
 
     void RaiseMaxWidth(std::uint64_t width) {
@@ -54,6 +56,12 @@ struct DataValue {
 
 using DataRow = std::vector<DataValue>;
 
+// A column that a table is to have.
+struct TableColumn {
+    ColumnDefinition Column;
+    std::optional<String> Default;  // a number's or a text's value, without quotes
+};
+
 struct RowSet {
     String Label;  // a free slot
     String SchemaName;
@@ -65,6 +73,8 @@ struct RowSet {
     // known.
     std::uint64_t Number = 0;
     std::uint64_t Line = 0;
+    // What the current row says of a column, where a database's catalogue says it.
+    std::optional<TableColumn> Described;
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 
     // Appends default values until there are at least `count`.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/utf8.h"
-#include "core/column_kind.h"
+#include "core/column_type.h"
 #include "core/sql_types.h"
 #include "files/format.h"
 #include "files/text.h"
