@@ -38,8 +38,8 @@ struct ColumnDefinition {
     std::int32_t Length = 0;       // characters, or the precision of other types
     std::int32_t DisplaySize = 0;
     std::int32_t OctetLength = 0;
-    std::int32_t Digits = -1;  // behind the decimal point or of a second; -1: not told
-    bool Unsigned = false;     // of whole numbers
+    std::int32_t Digits = -1;    // behind the decimal point or of a second; -1: not told
+    bool Unsigned = false;       // of whole numbers
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters
 
     void RaiseMaxWidth(std::uint64_t width) {
@@ -56,10 +56,14 @@ struct DataValue {
 
 using DataRow = std::vector<DataValue>;
 
-// A column that a table is to have.
-struct TableColumn {
-    ColumnDefinition Column;
-    std::optional<String> Default;  // a number's or a text's value, without quotes
+// What a database's catalogue says of a column beside the texts of a row that describes it. It
+// holds for a row that still has the type's name and the default which stand here.
+struct DescribedColumn {
+    String TypeName;
+    std::int32_t ConciseType = 0;
+    std::int32_t OctetLength = 0;
+    String Default;                      // as the driver spells it
+    std::optional<String> DefaultValue;  // of a number or a text, without quotes
 };
 
 struct RowSet {
@@ -69,8 +73,7 @@ struct RowSet {
     std::vector<ColumnDefinition> Columns;
     DataRow Row;  // never shortened by a fetch, so its texts keep their room
     std::unique_ptr<std::vector<RowSet>> Nested;
-    // What the current row says of a column, where a database's catalogue says it.
-    std::optional<TableColumn> Described;
+    std::optional<DescribedColumn> Described;  // of the current row
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 
     // Appends default values until there are at least `count`.

@@ -20,4 +20,5 @@ enum class Rule {
     LossesAreCounted,     // the statistics count records skipped and rows rejected
     DriversQuotes,        // names in queries stand between the quotes that the driver tells
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
+    MacroIsOneName,       // the value of a macro inside a table's name is one whole name
 };
