@@ -1,6 +1,7 @@
 #include "consumers/sql_script.h"
 
-#include "consumers/sql_statement.h"
+#include "consumers/dialect_statements.h"
+#include "consumers/plain_statements.h"
 #include "files/format.h"
 
 namespace DataConsumers {
@@ -12,9 +13,20 @@ constexpr KeyTable kScriptKeys({
      .macros = Macros::Replaced,
      .names = Names::Table,
      .needed = u"table"},
-    {.name = u"Delimiter", .meaning = u"what ends a statement"},
+    {.name = u"SqlDialect",
+     .kind = KeyKind::Word,
+     .words = sql::kScriptDialectWords,
+     .edition1 = u"Plain",
+     .edition2 = u"ANSI",
+     .meaning = u"names, types and literals as a database has them; Plain: as the source tells",
+     .since = Since::Later},
+    {.name = u"Delimiter",
+     .edition2 = sql::SqlDialect::StatementEnd(),
+     .meaning = u"what ends a statement",
+     .defaults = u"1: empty with SqlDialect=Plain, else `;`; 2: `;`"},
 });
 constexpr Key kTable = kScriptKeys[u"Table"];
+constexpr Key kSqlDialect = kScriptKeys[u"SqlDialect"];
 constexpr Key kDelimiter = kScriptKeys[u"Delimiter"];
 
 constexpr KeyTable kInsertKeys({
@@ -26,11 +38,16 @@ constexpr KeyTable kInsertKeys({
     {.name = u"ColumnList",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
-     .edition2 = u"0",
+     .edition2 = u"1",
      .meaning = u"name the columns in each statement"},
 });
 constexpr Key kBatchSize = kInsertKeys[u"BatchSize"];
 constexpr Key kColumnList = kInsertKeys[u"ColumnList"];
+
+std::unique_ptr<sql::StatementForm> FormOf(sql::Dialect dialect) {
+    if (dialect == sql::Dialect::Plain) return std::make_unique<sql::PlainStatements>();
+    return std::make_unique<sql::DialectStatements>(sql::SqlDialect::Of(dialect));
+}
 
 }  // namespace
 
@@ -42,13 +59,15 @@ KeyList SQLScript::CreateTableKeys() {
 }
 
 bool SQLScript::ReadSettings(String& error, const SectionSettings& settings) {
-    settings_ = settings;
-    table_setting_ = settings.Unresolved(kTable);
-    if (table_setting_.empty()) {
+    table_.emplace(settings, kTable);
+    if (table_->Unresolved().empty()) {
         error = u"Output table name is not provided.";
         return false;
     }
-    delimiter_ = settings.Text(kDelimiter);
+    const auto dialect = settings.Word(kSqlDialect, sql::Dialect::Plain);
+    form_ = FormOf(dialect);
+    const bool ends_itself = dialect != sql::Dialect::Plain && !settings.IsGiven(kDelimiter);
+    delimiter_ = ends_itself ? String(sql::SqlDialect::StatementEnd()) : settings.Text(kDelimiter);
     batch_size_ = settings.Number(kBatchSize);
     if (batch_size_ < 1 && settings.Follows(Rule::BatchSizeChecked)) {
         error = Format(u"'%s' must be at least 1.", kBatchSize->name);
@@ -70,45 +89,34 @@ bool SQLScript::BeginFile(String& /*error*/) {
 bool SQLScript::Prepare(String& /*error*/, RowSet& rows) {
     if (!prepare_pending_) return true;
     prepare_pending_ = false;
-    table_ = table_setting_;
-    settings_->ResolveAllMacros(table_);
-    if (statement_ == Statement::Insert) {
-        prefix_ = sql::InsertPrefix(table_, rows.Columns, column_list_);
-    }
+    form_->Prepare(*table_, rows, column_list_);
     return true;
 }
 
 bool SQLScript::Write(String& error, RowSet& rows) {
     if (statement_ == Statement::Insert) return WriteRow(error, rows);
     if (rows.Nested) return WriteTable(error, rows);
-    const sql::QualifiedName name = sql::NameOfDescribed(table_setting_, table_, rows);
-    return sql::AppendColumnLine(error, line_, name, rows.Row);
+    return form_->AddColumn(error, *table_, rows);
 }
 
 bool SQLScript::WriteRow(String& error, const RowSet& rows) {
     if (rows_in_batch_ > 0) {
         line_ += u",\r\n  ";
     } else {
-        line_ = prefix_;
+        line_.clear();
+        form_->AppendInsert(line_);
     }
-    if (!sql::AppendValueList(error, line_, rows.Columns, rows.Row)) return false;
+    if (!form_->AppendValues(error, line_, rows)) return false;
     if (++rows_in_batch_ == batch_size_) return EndStatement(error);
     if (batch_size_ < 1) rows_in_batch_ = 0;  // never written, so not kept either
     return true;
 }
 
-// The row names a table and its schema, and brings the table's columns along.
 bool SQLScript::WriteTable(String& error, const RowSet& rows) {
-    const StringView table = rows.Row.empty() ? StringView() : rows.Row[0].Text;
-    const StringView schema = rows.Row.size() < 2 ? StringView() : rows.Row[1].Text;
     line_.clear();
-    for (const RowSet& column : *rows.Nested) {
-        if (!sql::AppendColumnLine(error, line_, {schema, table}, column.Row)) return false;
-    }
+    if (!form_->AppendNestedTable(error, line_, rows)) return false;
     whole_tables_ = true;
-    if (line_.empty()) return true;  // a table without columns
-    line_ += u')';
-    return EndStatement(error);
+    return line_.empty() || EndStatement(error);  // empty: a table without columns
 }
 
 bool SQLScript::EndStatement(String& error) {
@@ -121,7 +129,8 @@ bool SQLScript::EndStatement(String& error) {
 }
 
 bool SQLScript::ContinueFile(String& error) {
-    if (!line_.empty() && !EndFile(error)) return false;
+    const bool in_statement = rows_in_batch_ > 0 || form_->HasColumns();
+    if (in_statement && !EndFile(error)) return false;
     prepare_pending_ = true;
     return true;
 }
@@ -129,7 +138,9 @@ bool SQLScript::ContinueFile(String& error) {
 bool SQLScript::EndFile(String& error) {
     if (statement_ == Statement::CreateTable) {
         if (whole_tables_) return true;  // each is complete
-        line_ += u')';
+        if (!form_->HasColumns() && !form_->EndsEmptyTables()) return true;
+        line_.clear();
+        form_->AppendTable(line_);
         return EndStatement(error);
     }
     return rows_in_batch_ == 0 || EndStatement(error);

@@ -1,15 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "consumers/file_target.h"
+#include "consumers/statement_form.h"
 
 namespace DataConsumers {
 
 // Writes the rows as insert statements, or, for the type "DDLScript", takes each row as the
 // description of a column and writes a create table statement. A row that brings nested row sets is
 // a table with its schema, and they are its columns; it gets a statement of its own.
+// The statements are plain or in a dialect; see StatementForm.
 //
 //     insert into "Orders"("Id","Name") values (1,'O''Brien'),
 //        (2,NULL);
@@ -44,15 +47,13 @@ private:
     bool EndStatement(String& error);
 
     const Statement statement_;
-    std::optional<SectionSettings> settings_;  // macros in the table's name change with the rows
-    String table_setting_;
-    String table_;  // macros replaced
+    std::optional<sql::TableSetting> table_;
+    std::unique_ptr<sql::StatementForm> form_;
     String delimiter_;
     std::int64_t batch_size_ = 1;
     bool column_list_ = false;
 
     bool prepare_pending_ = false;
-    String prefix_;                   // of the insert statements
     std::int64_t rows_in_batch_ = 0;  // in line_, the statement that is being put together
     bool whole_tables_ = false;       // the rows are tables that bring their columns along
 };

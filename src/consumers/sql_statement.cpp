@@ -10,22 +10,9 @@
 namespace sql {
 namespace {
 
-// Positions of the values that describe a column.
-enum Described : std::size_t { kColumn = 1, kTypeName, kSize, kDigits, kNullable, kDefault };
-
-bool RefuseRow(String& error) {
-    error = u"Cound not build SQL statement";  // published spelling
-    return false;
-}
-
 StringView StripQuotesOrBrackets(StringView name) {
     const bool bracketed = name.starts_with(u'[') && name.find(u']') == name.size() - 1;
     return bracketed ? name.substr(1, name.size() - 2) : text::StripQuotes(name);
-}
-
-StringView TextOf(const DataRow& row, std::size_t position) {
-    if (position >= row.size() || row[position].IsNull) return {};
-    return row[position].Text;
 }
 
 bool HoldsOneOf(StringView text, std::initializer_list<StringView> words) {
@@ -34,19 +21,19 @@ bool HoldsOneOf(StringView text, std::initializer_list<StringView> words) {
 }
 
 String SizePart(const DataRow& row) {
-    const String type = text::Lowered(TextOf(row, kTypeName));
+    const String type = text::Lowered(DescribedText(row, kTypeName));
     const bool has_digits = HoldsOneOf(type, {u"numeric", u"number", u"money"});
-    StringView size = TextOf(row, kSize);
+    StringView size = DescribedText(row, kSize);
     if (type.ends_with(u')')) return {};  // some drivers put the size into the type's name
     if (size.empty() || (!has_digits && !HoldsOneOf(type, {u"char", u"binary"}))) return {};
     if (size == u"0") size = u"max";
-    const StringView digits = TextOf(row, kDigits);
+    const StringView digits = DescribedText(row, kDigits);
     if (!has_digits || digits.empty() || digits == u"0") return Format(u"(%s)", size);
     return Format(u"(%s,%s)", size, digits);
 }
 
 String DefaultPart(const DataRow& row) {
-    const StringView value = TextOf(row, kDefault);
+    const StringView value = DescribedText(row, kDefault);
     return value.empty() ? String() : Format(u" default %s ", value);
 }
 
@@ -61,6 +48,16 @@ void AppendCreateTable(String& statement, const QualifiedName& name) {
 }
 
 }  // namespace
+
+bool RefuseRow(String& error) {
+    error = u"Cound not build SQL statement";  // published spelling
+    return false;
+}
+
+StringView DescribedText(const DataRow& row, std::size_t position) {
+    if (position >= row.size() || row[position].IsNull) return {};
+    return row[position].Text;
+}
 
 String InsertPrefix(StringView table, const std::vector<ColumnDefinition>& columns,
                     bool column_list) {
@@ -124,9 +121,12 @@ QualifiedName DivideName(StringView name) {
             StripQuotesOrBrackets(name.substr(stop + 1))};
 }
 
+bool NamedByRows(StringView setting, const RowSet& rows) {
+    return (setting.empty() || setting == u"$TABLE$") && !rows.TableName.empty();
+}
+
 QualifiedName NameOfDescribed(StringView setting, StringView resolved, const RowSet& rows) {
-    const bool named_by_rows = setting.empty() || setting == u"$TABLE$";
-    if (named_by_rows && !rows.TableName.empty()) return {rows.SchemaName, rows.TableName};
+    if (NamedByRows(setting, rows)) return {rows.SchemaName, rows.TableName};
     return DivideName(resolved);
 }
 
@@ -138,9 +138,10 @@ bool AppendColumnLine(String& error, String& statement, const QualifiedName& tab
     } else {
         statement += u',';
     }
-    const StringView nullability = TextOf(row, kNullable) == u"0" ? u"not null" : u"null";
-    statement += Format(u"\r\n %s %s%s %s%s", TextOf(row, kColumn), TextOf(row, kTypeName),
-                        SizePart(row), DefaultPart(row), nullability);
+    const StringView nullability = DescribedText(row, kNullable) == u"0" ? u"not null" : u"null";
+    statement +=
+        Format(u"\r\n %s %s%s %s%s", DescribedText(row, kColumn), DescribedText(row, kTypeName),
+               SizePart(row), DefaultPart(row), nullability);
     return true;
 }
 

@@ -8,6 +8,15 @@
 
 namespace sql {
 
+// Positions of the values of a row that describes a column.
+enum Described : std::size_t { kColumn = 1, kTypeName, kSize, kDigits, kNullable, kDefault };
+
+// Such a value; empty where it is NULL or missing.
+StringView DescribedText(const DataRow& row, std::size_t position);
+
+// Says that the row cannot be written: "Cound not build SQL statement", published spelling. False.
+bool RefuseRow(String& error);
+
 // What begins an insert statement, ready for a value list:
 //
 //     insert into "Orders"("Id","Name") values
@@ -32,6 +41,10 @@ struct QualifiedName {
 // Divides a name at its last full stop outside double quotes and brackets. The quotes or brackets
 // around each piece go. The pieces are views into `name`.
 QualifiedName DivideName(StringView name);
+
+// Whether the rows of column descriptions name their table: the setting is empty or "$TABLE$", and
+// the rows know it.
+bool NamedByRows(StringView setting, const RowSet& rows);
 
 // The table that rows of column descriptions belong to: what the setting names, or the rows' own
 // table where the setting is empty or "$TABLE$" and the rows know it.

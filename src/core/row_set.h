@@ -56,10 +56,14 @@ struct DataValue {
 
 using DataRow = std::vector<DataValue>;
 
-// A column that a table is to have.
-struct TableColumn {
-    ColumnDefinition Column;
-    std::optional<String> Default;  // a number's or a text's value, without quotes
+// What a database's catalogue says of a column beside the texts of a row that describes it. It
+// holds for a row that still has the type's name and the default which stand here.
+struct DescribedColumn {
+    String TypeName;
+    std::int32_t ConciseType = 0;
+    std::int32_t OctetLength = 0;
+    String Default;                      // as the driver spells it
+    std::optional<String> DefaultValue;  // of a number or a text, without quotes
 };
 
 struct RowSet {
@@ -73,8 +77,7 @@ struct RowSet {
     // known.
     std::uint64_t Number = 0;
     std::uint64_t Line = 0;
-    // What the current row says of a column, where a database's catalogue says it.
-    std::optional<TableColumn> Described;
+    std::optional<DescribedColumn> Described;  // of the current row
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 
     // Appends default values until there are at least `count`.

@@ -2,6 +2,7 @@
 
 #include "core/sql_types.h"
 #include "files/format.h"
+#include "files/text.h"
 #include "storages/open_database.h"
 
 namespace DataProviders {
@@ -49,11 +50,18 @@ std::vector<String> ValuesOf(const CatalogColumn& column) {
             column.Digits, column.Nullable, column.Default};
 }
 
+DescribedColumn DescriptionOf(const CatalogColumn& column) {
+    return {column.TypeName, static_cast<std::int32_t>(text::ToInteger(column.TypeCode)),
+            static_cast<std::int32_t>(text::ToInteger(column.OctetLength)), column.Default,
+            column.DefaultValue};
+}
+
 // A row set of one row that describes one column.
 RowSet RowOf(const CatalogColumn& column) {
     RowSet rows;
     rows.Columns = ColumnsOfColumns();
     for (String& value : ValuesOf(column)) rows.Row.push_back({false, true, std::move(value)});
+    rows.Described = DescriptionOf(column);
     return rows;
 }
 
@@ -63,6 +71,8 @@ KeyList DatabaseMetadata::Keys() { return {kKeys, DataStorages::ConnectionSettin
 
 bool DatabaseMetadata::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     Clear();
+    columns_.clear();
+    next_column_ = 0;
     columns_of_tables_.clear();
     next_table_ = 0;
     const auto database = DataStorages::OpenDatabase(
@@ -99,12 +109,11 @@ bool DatabaseMetadata::CollectColumns(String& error, const SectionSettings& sett
         error = Format(u"'Name' parameter is mandatory for %s.", kind);
         return false;
     }
-    Columns columns;
-    if (!database.Columns(error, schema, name, columns)) {
+    if (!database.Columns(error, schema, name, columns_)) {
         error = Format(u"Could not retrieve list of columns. Schema='%s',Table='%s'", schema, name);
         return false;
     }
-    for (const CatalogColumn& column : columns) Add(ValuesOf(column));
+    for (const CatalogColumn& column : columns_) Add(ValuesOf(column));
     rows.SchemaName = schema;
     rows.TableName = name;
     rows.Columns = ColumnsOfColumns();
@@ -129,6 +138,7 @@ bool DatabaseMetadata::CollectTables(String& error, TableKind kind, bool with_co
 
 bool DatabaseMetadata::Fetch(String& error, RowSet& rows, bool track_widths) {
     if (!CollectedSource::Fetch(error, rows, track_widths)) return false;
+    if (next_column_ != columns_.size()) rows.Described = DescriptionOf(columns_[next_column_++]);
     if (next_table_ == columns_of_tables_.size()) return true;
     rows.Nested = std::make_unique<std::vector<RowSet>>();
     for (const CatalogColumn& column : columns_of_tables_[next_table_++]) {

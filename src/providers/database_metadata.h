@@ -12,7 +12,8 @@ namespace DataProviders {
 //
 // Rows of a table or view: Table, Column, TypeName, Size, Digits, IsNullable, Default.
 // Rows of a list: Table, Schema. With `WithColumns` the columns of the table travel with its row,
-// as the row set's nested row sets: each has the seven columns above and one row.
+// as the row set's nested row sets: each has the seven columns above and one row. What the
+// catalogue says beside these values travels in RowSet::Described.
 class DatabaseMetadata final : public CollectedSource {
 public:
     static KeyList Keys();
@@ -35,6 +36,8 @@ private:
     bool CollectTables(String& error, DataStorages::TableKind kind, bool with_columns,
                        DataStorages::StorageDatabase& database, RowSet& rows);
 
+    Columns columns_;  // of the one table
+    std::size_t next_column_ = 0;
     std::vector<Columns> columns_of_tables_;  // of each table of the list; empty without them
     std::size_t next_table_ = 0;
 };

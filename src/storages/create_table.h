@@ -1,11 +1,18 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "core/row_set.h"
 #include "storages/sql_dialect.h"
 
 namespace sql {
+
+// A column that a table is to have.
+struct TableColumn {
+    ColumnDefinition Column;
+    std::optional<String> Default;  // a number or a text, without quotes
+};
 
 // A statement that makes a table, without what ends a statement:
 //

@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 
+#include "core/sql_types.h"
 #include "files/format.h"
 #include "files/text.h"
 
@@ -38,8 +39,9 @@ std::optional<Size> SizeInName(StringView type_name) {
 
 std::optional<Size> DecimalSize(const ColumnDefinition& column) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
-    const bool is_real = KindOf(column) == ColumnKind::Decimal && column.Length > 0 &&
-                         column.Digits >= 0 && column.Length != kUnsizedText;
+    const bool is_double = column.ConciseType == kSqlDouble || column.ConciseType == kSqlFloat;
+    const bool is_real = !is_double && column.Length > 0 && column.Digits >= 0 &&
+                         column.Length != kUnsizedText;
     const bool is_unsized =
         column.Length == kUnsizedDecimal && column.Digits == kUnsizedDecimalDigits;
     if (!is_real || is_unsized) return std::nullopt;

@@ -4,12 +4,20 @@
 
 #include "base/utf8.h"
 #include "files/text.h"
+#include "storages/column_default.h"
 #include "storages/odbc_calls.h"
 
 namespace DataStorages {
 namespace {
 
 constexpr std::int32_t kBufferBytes = 32'728;
+
+ColumnKind KindOf(const CatalogColumn& column) {
+    ColumnDefinition definition;
+    definition.TypeName = column.TypeName;
+    definition.ConciseType = static_cast<std::int32_t>(text::ToInteger(column.TypeCode));
+    return ::KindOf(definition);
+}
 
 }  // namespace
 
@@ -132,17 +140,21 @@ bool ODBCCatalogue::AskForColumns(const String& schema, const String& table) {
 bool ODBCCatalogue::ListColumns(const String& schema, const String& table,
                                 std::vector<CatalogColumn>& columns) {
     if (!AskForColumns(SearchPattern(schema), SearchPattern(table))) return false;
+    const sql::Dialect dialect = sql::DialectOf(odbc::InfoText(connection_, SQL_DBMS_NAME));
     std::vector<String> row;
     Row read = Row::None;
-    while ((read = NextRow({3, 4, 6, 7, 9, 11, 13}, row)) == Row::Read) {
+    while ((read = NextRow({3, 4, 5, 6, 7, 8, 9, 11, 13}, row)) == Row::Read) {
         CatalogColumn& column = columns.emplace_back();
         column.Table = std::move(row[0]);
         column.Column = std::move(row[1]);
-        column.TypeName = std::move(row[2]);
-        column.Size = std::move(row[3]);
-        column.Digits = std::move(row[4]);
-        column.Nullable = std::move(row[5]);
-        column.Default = std::move(row[6]);
+        column.TypeCode = std::move(row[2]);
+        column.TypeName = std::move(row[3]);
+        column.Size = std::move(row[4]);
+        column.OctetLength = std::move(row[5]);
+        column.Digits = std::move(row[6]);
+        column.Nullable = std::move(row[7]);
+        column.Default = std::move(row[8]);
+        column.DefaultValue = sql::DefaultValue(dialect, KindOf(column), column.Default);
     }
     return read == Row::None;
 }

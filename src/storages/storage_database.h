@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/strings.h"
@@ -27,6 +28,10 @@ struct CatalogColumn {
     String Digits;
     String Nullable;  // "0", "1" or "2" (unknown)
     String Default;
+    // Not in the rows that describe the column.
+    String TypeCode;  // the concise ODBC type
+    String OctetLength;
+    std::optional<String> DefaultValue;  // of a number or a text, without quotes
 };
 
 // How rows are read.
