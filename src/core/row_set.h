@@ -73,6 +73,10 @@ struct RowSet {
     std::vector<ColumnDefinition> Columns;
     DataRow Row;  // never shortened by a fetch, so its texts keep their room
     std::unique_ptr<std::vector<RowSet>> Nested;
+    // Of the current row: its number in the source, from 1, and where in a file it began; 0: not
+    // known.
+    std::uint64_t Number = 0;
+    std::uint64_t Line = 0;
     std::optional<DescribedColumn> Described;  // of the current row
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 

@@ -22,4 +22,5 @@ enum class Rule {
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
     BinaryAsDigits,       // binary values come as hexadecimal digits from every driver
     MacroIsOneName,       // the value of a macro inside a table's name is one whole name
+    TargetsAreDescribed,  // a table that takes rows is described without reading it
 };

@@ -108,7 +108,7 @@ ColumnDefinition Describe(const DescribedColumn& described) {
     column.ConciseType = described.Number(SQL_DESC_CONCISE_TYPE);
     column.OctetLength = described.Number(SQL_DESC_OCTET_LENGTH);
     column.AutoUnique = described.Number(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
-    column.Nullable = described.Number(SQL_DESC_NULLABLE) == SQL_NULLABLE;
+    column.Nullable = described.Number(SQL_DESC_NULLABLE) != SQL_NO_NULLS;
     column.LiteralPrefix = described.Literal(SQL_DESC_LITERAL_PREFIX, column.DataType);
     column.LiteralSuffix = described.Literal(SQL_DESC_LITERAL_SUFFIX, column.DataType);
     column.LocalTypeName = described.Text(SQL_DESC_LOCAL_TYPE_NAME);
