@@ -20,7 +20,6 @@ enum class Rule {
     LossesAreCounted,     // the statistics count records skipped and rows rejected
     DriversQuotes,        // names in queries stand between the quotes that the driver tells
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
-    BinaryAsDigits,       // binary values come as hexadecimal digits from every driver
     MacroIsOneName,       // the value of a macro inside a table's name is one whole name
     TargetsAreDescribed,  // a table that takes rows is described without reading it
 };

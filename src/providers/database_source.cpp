@@ -45,8 +45,7 @@ bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettin
     database_->ReadBy(
         {.in_blocks = settings.Word(kFetchMode, FetchMode::Row) == FetchMode::Block,
          .block_bytes = settings.Size(kFetchMemory),
-         .whole_values = settings.Word(kLongValues, LongValues::Cut) == LongValues::Whole,
-         .binary_as_digits = settings.Follows(Rule::BinaryAsDigits)});
+         .whole_values = settings.Word(kLongValues, LongValues::Cut) == LongValues::Whole});
     return true;
 }
 

@@ -15,34 +15,10 @@ constexpr std::int32_t kLongestCellUnits = 4'000;
 // How a value that may be longer than the room for it is read.
 using LongValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
 
-// How the values of each column are read.
-class ColumnReads {
-public:
-    ColumnReads(const ReadingMethod& method, const std::vector<ColumnDefinition>& columns) {
-        const LongValueRead read =
-            method.whole_values ? &ODBCValueBuffer::ReadWhole : &ODBCValueBuffer::ReadCut;
-        for (const ColumnDefinition& column : columns) {
-            const std::int32_t type = column.ConciseType;
-            const bool is_binary =
-                type == kSqlBinary || type == kSqlVarbinary || type == kSqlLongVarbinary;
-            reads_.push_back(is_binary && method.binary_as_digits ? &ODBCValueBuffer::ReadDigits
-                                                                  : read);
-        }
-    }
-
-    LongValueRead operator[](std::size_t position) const { return reads_[position]; }
-    bool AsDigits(std::size_t position) const {
-        return reads_[position] == &ODBCValueBuffer::ReadDigits;
-    }
-
-private:
-    std::vector<LongValueRead> reads_;
-};
-
-bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, const ColumnReads& reads, void* statement,
+bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, LongValueRead read, void* statement,
               std::uint16_t position) {
     const auto number = static_cast<std::uint16_t>(position + 1);
-    const auto outcome = (buffer.*reads[position])(statement, number, value.Text);
+    const auto outcome = (buffer.*read)(statement, number, value.Text);
     value.IsNull = outcome == ODBCValueBuffer::Outcome::Null;
     if (outcome != ODBCValueBuffer::Outcome::Text) value.Text.clear();
     return outcome != ODBCValueBuffer::Outcome::Failed;
@@ -51,18 +27,18 @@ bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, const ColumnReads& read
 // Asks for each value by a call of its own.
 class ValueByValue final : public ODBCRowReader {
 public:
-    ValueByValue(void* statement, ODBCValueBuffer& buffer, ColumnReads reads)
-        : statement_(statement), buffer_(buffer), reads_(std::move(reads)) {}
+    ValueByValue(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
+        : statement_(statement), buffer_(buffer), read_(read) {}
 
     std::int16_t Next() override { return SQLFetch(statement_); }
     bool Read(std::uint16_t position, DataValue& value) override {
-        return ReadInto(value, buffer_, reads_, statement_, position);
+        return ReadInto(value, buffer_, read_, statement_, position);
     }
 
 private:
     void* statement_;
     ODBCValueBuffer& buffer_;
-    const ColumnReads reads_;
+    LongValueRead read_;
 };
 
 // ---- Blocks ----
@@ -83,8 +59,8 @@ std::size_t CellUnits(const ColumnDefinition& column) {
 // asked for again.
 class Blocks final : public ODBCRowReader {
 public:
-    Blocks(void* statement, ODBCValueBuffer& buffer, ColumnReads reads)
-        : statement_(statement), buffer_(buffer), reads_(std::move(reads)) {}
+    Blocks(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
+        : statement_(statement), buffer_(buffer), read_(read) {}
     ~Blocks() override { Unbind(); }
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
@@ -102,7 +78,7 @@ private:
 
     void* statement_;
     ODBCValueBuffer& buffer_;
-    const ColumnReads reads_;
+    LongValueRead read_;
     std::vector<std::size_t> units_;     // of a cell, by column
     std::vector<std::size_t> first_;     // unit of a column's first cell
     std::unique_ptr<char16_t[]> cells_;  // column by column
@@ -145,8 +121,7 @@ bool Blocks::Bind(std::vector<std::size_t> units, bool several_rows, std::uint64
     indicators_.resize(units_.size() * rows_);
     for (std::size_t i = 0; i < units_.size(); ++i) {
         const auto room = static_cast<SQLLEN>(units_[i] * sizeof(char16_t));
-        const SQLSMALLINT form = reads_.AsDigits(i) ? SQL_C_BINARY : SQL_C_WCHAR;
-        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), form,
+        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), SQL_C_WCHAR,
                                         cells_.get() + first_[i], room,
                                         indicators_.data() + i * rows_))) {
             return false;
@@ -195,14 +170,8 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
     }
     const std::size_t cell = units_[position];
     if (bytes >= 0 && static_cast<std::size_t>(bytes) < cell * sizeof(char16_t)) {
-        const char16_t* const at = cells_.get() + first_[position] + row_ * cell;
-        const auto count = static_cast<std::size_t>(bytes);
-        if (reads_.AsDigits(position)) {
-            value.Text.clear();
-            AppendDigits(value.Text, at, count);
-        } else {
-            value.Text.assign(at, count / sizeof(char16_t));
-        }
+        value.Text.assign(cells_.get() + first_[position] + row_ * cell,
+                          static_cast<std::size_t>(bytes) / sizeof(char16_t));
         return true;
     }
     const auto row = static_cast<SQLSETPOSIROW>(row_ + 1);
@@ -210,14 +179,14 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
         !odbc::Succeeded(SQLSetPos(statement_, row, SQL_POSITION, SQL_LOCK_NO_CHANGE))) {
         return false;
     }
-    return ReadInto(value, buffer_, reads_, statement_, position);
+    return ReadInto(value, buffer_, read_, statement_, position);
 }
 
 // Null where the driver or the columns do not allow it.
 std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abilities,
                                           void* statement,
                                           const std::vector<ColumnDefinition>& columns,
-                                          ODBCValueBuffer& buffer, const ColumnReads& reads) {
+                                          ODBCValueBuffer& buffer, LongValueRead read) {
     if (columns.empty() || (abilities & SQL_GD_BOUND) == 0) return nullptr;
     // Only a driver that reads values of every row of a block again may have several, and some
     // that say they do read those of another row. So columns whose values may turn out too long
@@ -229,7 +198,7 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abili
         if (cell == 0) several_rows = false;
         units.push_back(cell == 0 ? kUnsizedCellUnits : cell);
     }
-    auto blocks = std::make_unique<Blocks>(statement, buffer, reads);
+    auto blocks = std::make_unique<Blocks>(statement, buffer, read);
     if (!blocks->Bind(std::move(units), several_rows, bytes)) return nullptr;
     return blocks;
 }
@@ -240,14 +209,15 @@ std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* 
                                              void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer) {
-    const ColumnReads reads(method, columns);
+    const LongValueRead read =
+        method.whole_values ? &ODBCValueBuffer::ReadWhole : &ODBCValueBuffer::ReadCut;
     std::unique_ptr<ODBCRowReader> reader;
     if (method.in_blocks) {
         SQLUINTEGER abilities = 0;
         SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
-        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, reads);
+        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, read);
     }
-    if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, reads);
+    if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, read);
     return reader;
 }
 

@@ -61,29 +61,4 @@ ODBCValueBuffer::Outcome ODBCValueBuffer::ReadWhole(void* statement, std::uint16
     }
 }
 
-ODBCValueBuffer::Outcome ODBCValueBuffer::ReadDigits(void* statement, std::uint16_t number,
-                                                     String& text) {
-    text.clear();
-    for (;;) {
-        SQLLEN indicator = 0;
-        const SQLRETURN result =
-            SQLGetData(statement, number, SQL_C_BINARY, units_.get(), bytes_, &indicator);
-        if (result == SQL_NO_DATA) return Outcome::Text;
-        if (!odbc::Succeeded(result)) return Outcome::Failed;
-        if (indicator == SQL_NULL_DATA) return Outcome::Null;
-        const bool ends = indicator >= 0 && indicator <= bytes_;
-        AppendDigits(text, units_.get(), static_cast<std::size_t>(ends ? indicator : bytes_));
-        if (result == SQL_SUCCESS || ends) return Outcome::Text;
-    }
-}
-
-void AppendDigits(String& text, const void* bytes, std::size_t count) {
-    constexpr StringView kDigits = u"0123456789abcdef";
-    const auto* const first = static_cast<const unsigned char*>(bytes);
-    for (std::size_t i = 0; i < count; ++i) {
-        text += kDigits[first[i] >> 4];
-        text += kDigits[first[i] & 0x0F];
-    }
-}
-
 }  // namespace DataStorages

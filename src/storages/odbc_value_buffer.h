@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -25,8 +24,6 @@ public:
     Outcome ReadCut(void* statement, std::uint16_t number, String& text);
     // Reads a value to its end, piece by piece.
     Outcome ReadWhole(void* statement, std::uint16_t number, String& text);
-    // The same of a binary value, as two hexadecimal digits a byte.
-    Outcome ReadDigits(void* statement, std::uint16_t number, String& text);
 
 private:
     StringView Piece(std::int32_t room_bytes, std::int64_t indicator);
@@ -34,8 +31,5 @@ private:
     const std::int32_t bytes_;
     std::unique_ptr<char16_t[]> units_;
 };
-
-// Appends bytes as hexadecimal digits.
-void AppendDigits(String& text, const void* bytes, std::size_t count);
 
 }  // namespace DataStorages

@@ -41,8 +41,6 @@ struct ReadingMethod {
     bool in_blocks = false;
     std::uint64_t block_bytes = 0;  // most room for a block
     bool whole_values = false;      // else long values are cut, see the database
-    // Bytes come as hexadecimal digits, to their end; else as the driver makes texts of them.
-    bool binary_as_digits = false;
 };
 
 enum class TableKind { Tables = 0, Views = 1 };
