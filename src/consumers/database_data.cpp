@@ -6,7 +6,6 @@
 #include "consumers/literal_rows.h"
 #include "consumers/sql_statement.h"
 #include "files/format.h"
-#include "storages/identifier.h"
 #include "storages/open_database.h"
 
 namespace DataConsumers {
@@ -44,6 +43,19 @@ constexpr KeyTable kKeys({
      .edition2 = u"1",
      .meaning = u"columns go to those of the same name, else to those in the same place",
      .since = Since::Later},
+    {.name = u"CreateTable",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"0",
+     .meaning = u"make the table when it is missing, from the source's columns",
+     .since = Since::Later},
+    {.name = u"SqlDialect",
+     .kind = KeyKind::Word,
+     .words = sql::kDialectWords,
+     .edition1 = u"Plain",
+     .edition2 = u"Connected",
+     .meaning = u"how names, literals and types are written; Connected: as the database has them",
+     .since = Since::Later},
     {.name = u"TablePerResultSet",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
@@ -75,6 +87,8 @@ constexpr Key kInsertMode = kKeys[u"InsertMode"];
 constexpr Key kInsertRows = kKeys[u"InsertRows"];
 constexpr Key kCommitRows = kKeys[u"CommitRows"];
 constexpr Key kColumnList = kKeys[u"ColumnList"];
+constexpr Key kCreateTable = kKeys[u"CreateTable"];
+constexpr Key kSqlDialect = kKeys[u"SqlDialect"];
 constexpr Key kTablePerResultSet = kKeys[u"TablePerResultSet"];
 constexpr Key kOnBadRow = kKeys[u"OnBadRow"];
 constexpr Key kRejectFile = kKeys[u"RejectFile"];
@@ -102,6 +116,7 @@ bool DatabaseData::ReadSettings(String& error, const SectionSettings& settings) 
     insert_mode_ = settings.Word(kInsertMode, InsertMode::Literal);
     insert_rows_ = static_cast<std::size_t>(settings.Number(kInsertRows));
     by_name_ = settings.Flag(kColumnList);
+    create_table_ = settings.Flag(kCreateTable);
     table_per_result_set_ = settings.Flag(kTablePerResultSet);
     removed_count_ = insert_mode_ == InsertMode::Literal;
     return ReadLoadRules(error, settings);
@@ -120,34 +135,50 @@ bool DatabaseData::ReadLoadRules(String& error, const SectionSettings& settings)
 bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
     if (!ReadSettings(error, settings)) return false;
     database_ = DataStorages::OpenDatabase(error, connection_);
-    return database_ != nullptr;
+    if (!database_) return false;
+    ChooseDialect(settings.Word(kSqlDialect, sql::Dialect::Plain));
+    return true;
+}
+
+void DatabaseData::ChooseDialect(sql::Dialect dialect) {
+    const sql::Dialect connected = sql::DialectOf(database_->Product());
+    const bool has_words = dialect != sql::Dialect::Plain && dialect != sql::Dialect::Connected;
+    maker_.emplace(*database_, connection_, sql::SqlDialect::Of(has_words ? dialect : connected));
+    if (dialect == sql::Dialect::Connected) dialect = connected;
+    dialect_ = dialect == sql::Dialect::Plain ? nullptr : &sql::SqlDialect::Of(dialect);
 }
 
 bool DatabaseData::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
     origins_.clear();
     if (!Connect(error, settings) || !load_.Open(error, *database_, rules_)) return false;
-    NameTable();
-    return DescribeTable(error);
+    return FindTable(error);
 }
 
 // Names the table as statements do.
 void DatabaseData::NameTable() {
     begun_ = false;
-    if (!settings_->Follows(Rule::MacroIsOneName)) {
-        table_ = settings_->Text(kTable);
-        return;
-    }
+    const sql::TableSetting table(*settings_, kTable);
+    name_ = table.Name();
     table_.clear();
-    const String quote = database_->IdentifierQuote();
-    const String setting = settings_->Unresolved(kTable);
-    for (const StringView piece : sql::PiecesOf(setting)) {
-        String name = sql::PlainName(piece);
-        settings_->ResolveAllMacros(name);
-        if (name.empty()) continue;  // the schema of a source that knows none
-        if (!table_.empty()) table_ += u'.';
-        sql::AppendIdentifier(table_, name, quote);
+    if (dialect_ == nullptr) {
+        table_ = table.Text();
+    } else {
+        dialect_->AppendName(table_, name_);
     }
+}
+
+// A table that is missing may be made when the columns are known; a failed statement must not spoil
+// the transaction.
+bool DatabaseData::FindTable(String& error) {
+    NameTable();
+    is_missing_ = false;
+    if (!create_table_) return DescribeTable(error);
+    const bool comes_back = load_.InTransaction();
+    if (comes_back && !database_->SetSavepoint(error)) return false;
+    String ignored;
+    is_missing_ = !DescribeTable(ignored);
+    return !comes_back || database_->RollbackToSavepoint(error);
 }
 
 bool DatabaseData::DescribeTable(String& error) {
@@ -165,6 +196,7 @@ bool DatabaseData::CheckColumns(String& error, const SectionSettings& settings,
     if (!Connect(error, settings)) return false;
     NameTable();
     if (!database_->Describe(error, u"select * from " + table_, table_rows_)) {
+        if (create_table_) return true;
         error = u"Could not retrieve table defintition";
         return false;
     }
@@ -201,32 +233,29 @@ bool DatabaseData::NoteOrigin(String& error, const RowSet& rows) {
 }
 
 bool DatabaseData::Prepare(String& error, RowSet& rows) {
-    return !by_name_ || BeginRows(error, rows);
+    return (!by_name_ && !is_missing_) || BeginRows(error, rows);
 }
 
 String DatabaseData::InsertHead(const Columns& columns) const {
-    if (!settings_->Follows(Rule::MacroIsOneName)) {
-        return sql::InsertPrefix(table_, columns, by_name_);
-    }
+    if (dialect_ == nullptr) return sql::InsertPrefix(table_, columns, by_name_);
     String head = u"insert into " + table_;
-    const String quote = database_->IdentifierQuote();
     for (std::size_t i = 0; by_name_ && i < columns.size(); ++i) {
         head += i == 0 ? u'(' : u',';
-        sql::AppendIdentifier(head, columns[i].Name, quote);
+        dialect_->AppendName(head, columns[i].Name);
     }
     if (by_name_) head += u')';
     return head += u" values";
 }
 
 bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
-    DataStorages::InsertTarget target;
     if (!NoteOrigin(error, rows)) return false;
-    if (by_name_) {
-        if (!MatchColumns(error, table_, rows.Columns, table_rows_.Columns, target.columns)) {
-            return false;
-        }
-    } else {
-        target.columns = table_rows_.Columns;
+    if (is_missing_ && !(maker_->Make(error, name_, rows) && DescribeTable(error))) return false;
+    is_missing_ = false;
+    DataStorages::InsertTarget target;
+    target.columns = table_rows_.Columns;
+    if (by_name_ &&
+        !MatchColumns(error, table_, rows.Columns, table_rows_.Columns, target.columns)) {
+        return false;
     }
     target.head = InsertHead(target.columns);
     target.rows = insert_rows_;
@@ -235,13 +264,14 @@ bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
     if (insert_mode_ == InsertMode::Bound) {
         load_.Use(database_->MakeSender(target));
     } else {
-        load_.Use(std::make_unique<LiteralRows>(*database_, std::move(target)));
+        load_.Use(std::make_unique<LiteralRows>(*database_, std::move(target), dialect_));
     }
     begun_ = true;
     return true;
 }
 
 bool DatabaseData::Write(String& error, RowSet& rows) {
+    if (!begun_ && is_missing_ && !BeginRows(error, rows)) return false;
     if (!by_name_ && !ColumnsFit(error, rows.Columns)) return false;
     if (!begun_ && !BeginRows(error, rows)) return false;
     const bool added = load_.Add(error, rows);
@@ -254,8 +284,7 @@ bool DatabaseData::NextResultSet(String& error, const SectionSettings& /*setting
     begun_ = false;
     if (!load_.Send(error)) return false;
     if (!table_per_result_set_) return true;
-    NameTable();
-    return DescribeTable(error);
+    return FindTable(error);
 }
 
 // ---- The end ----
@@ -268,11 +297,16 @@ bool DatabaseData::Close(String& error) {
 
 bool DatabaseData::Commit(String& error) { return !load_.InTransaction() || Finish(error); }
 
-bool DatabaseData::Finish(String& error) { return load_.Commit(error) && database_->Close(); }
+bool DatabaseData::Finish(String& error) {
+    if (!load_.Commit(error)) return false;
+    maker_->Keep();
+    return database_->Close();
+}
 
 void DatabaseData::TakeBack() {
     if (!database_) return;
     load_.Rollback();
+    if (maker_) maker_->Drop();
     database_->Close();
 }
 

@@ -7,6 +7,8 @@
 
 #include "consumers/data_consumer.h"
 #include "consumers/table_load.h"
+#include "consumers/table_maker.h"
+#include "consumers/table_setting.h"
 #include "storages/connection_settings.h"
 #include "storages/storage_database.h"
 
@@ -55,7 +57,9 @@ private:
     bool ReadSettings(String& error, const SectionSettings& settings);
     bool ReadLoadRules(String& error, const SectionSettings& settings);
     bool Connect(String& error, const SectionSettings& settings);
+    void ChooseDialect(sql::Dialect dialect);
     void NameTable();
+    bool FindTable(String& error);
     bool DescribeTable(String& error);
     bool BeginRows(String& error, const RowSet& rows);
     bool NoteOrigin(String& error, const RowSet& rows);
@@ -72,12 +76,17 @@ private:
 
     InsertMode insert_mode_ = InsertMode::Literal;
     std::size_t insert_rows_ = 1;
+    const sql::SqlDialect* dialect_ = nullptr;  // null: names and values as always
     bool by_name_ = false;
+    bool create_table_ = false;
     bool table_per_result_set_ = false;
     bool removed_count_ = true;  // a column that was removed counts where they are compared
     String delimiter_;
 
+    sql::TableName name_;
     String table_;                      // as statements name it
+    bool is_missing_ = false;           // it is to be made
+    std::optional<TableMaker> maker_;   // tables of this target
     std::map<String, String> origins_;  // by table_: the table of the source
     RowSet table_rows_;                 // describes the table
     bool begun_ = false;                // the rows of a result set

@@ -6,8 +6,12 @@
 
 namespace DataConsumers {
 
-LiteralRows::LiteralRows(DataStorages::StorageDatabase& database, DataStorages::InsertTarget target)
-    : database_(database), target_(std::move(target)) {
+LiteralRows::LiteralRows(DataStorages::StorageDatabase& database, DataStorages::InsertTarget target,
+                         const sql::SqlDialect* dialect)
+    : database_(database), target_(std::move(target)), dialect_(dialect) {
+    for (const ColumnDefinition& column : target_.columns) {
+        if (dialect_ != nullptr) kinds_.push_back(dialect_->LiteralKindOf(column));
+    }
     most_rows_ = std::max<std::size_t>(target_.rows, 1);
     if (target_.most_rows != 0) most_rows_ = std::min(most_rows_, target_.most_rows);
 }
@@ -16,9 +20,28 @@ bool LiteralRows::Add(String& error, const RowSet& rows) {
     if (lists_.size() == count_) lists_.emplace_back();
     String& list = lists_[count_];
     list.clear();
-    if (!sql::AppendValueList(error, list, rows.Columns, rows.Row)) return false;
-    ++count_;
-    return true;
+    const bool made = dialect_ != nullptr
+                          ? AppendLiterals(error, list, rows)
+                          : sql::AppendValueList(error, list, rows.Columns, rows.Row);
+    if (made) ++count_;
+    return made;
+}
+
+bool LiteralRows::AppendLiterals(String& error, String& list, const RowSet& rows) const {
+    std::size_t next = 0;
+    for (const DataValue& value : rows.Row) {
+        if (!value.Included) continue;
+        if (next == kinds_.size()) return sql::RefuseRow(error);
+        list += next == 0 ? u" (" : u",";
+        if (value.IsNull) {
+            list += u"NULL";
+        } else {
+            dialect_->AppendLiteral(list, kinds_[next], value.Text);
+        }
+        ++next;
+    }
+    list += u')';
+    return next == kinds_.size() || sql::RefuseRow(error);
 }
 
 bool LiteralRows::Send(String& error) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "storages/row_sender.h"
+#include "storages/sql_dialect.h"
 #include "storages/storage_database.h"
 
 namespace DataConsumers {
@@ -11,7 +12,9 @@ namespace DataConsumers {
 // statement", published spelling, Send with the database's message.
 class LiteralRows final : public DataStorages::RowSender {
 public:
-    LiteralRows(DataStorages::StorageDatabase& database, DataStorages::InsertTarget target);
+    // dialect: how values are written; null: between the marks of the source's columns
+    LiteralRows(DataStorages::StorageDatabase& database, DataStorages::InsertTarget target,
+                const sql::SqlDialect* dialect);
 
     bool Fits(const RowSet& /*rows*/) const override { return !IsFull(); }
     bool Add(String& error, const RowSet& rows) override;
@@ -22,8 +25,12 @@ public:
     void Clear() override { count_ = 0; }
 
 private:
+    bool AppendLiterals(String& error, String& list, const RowSet& rows) const;
+
     DataStorages::StorageDatabase& database_;
     const DataStorages::InsertTarget target_;
+    const sql::SqlDialect* dialect_;
+    std::vector<ColumnKind> kinds_;  // of the columns that the rows go to, where there is a dialect
     std::size_t most_rows_ = 1;
     std::vector<String> lists_;  // of values, one a row; they keep their room
     std::size_t count_ = 0;

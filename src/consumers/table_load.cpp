@@ -20,7 +20,7 @@ bool TableLoad::Open(String& error, DataStorages::StorageDatabase& database, con
                                             .widths = {}});
     }
     if (!InTransaction()) return true;
-    if (!database.KnowsTransactions()) {
+    if (database.Transactions() == DataStorages::TransactionKind::None) {
         error = u"The database knows no transactions: set CommitRows=1.";
         return false;
     }
@@ -145,7 +145,7 @@ bool TableLoad::Commit(String& error) {
 void TableLoad::Rollback() {
     sender_.reset();
     String ignored;
-    if (open_) database_->Rollback(ignored);
+    if (open_) database_->Rollback(ignored) && database_->EndTransactions(ignored);
     open_ = false;
     rejects_.Close(ignored);
 }

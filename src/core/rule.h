@@ -21,5 +21,6 @@ enum class Rule {
     DriversQuotes,        // names in queries stand between the quotes that the driver tells
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
     MacroIsOneName,       // the value of a macro inside a table's name is one whole name
+    BytesAsDigits,        // bytes of databases are read whole, as hexadecimal digits
     TargetsAreDescribed,  // a table that takes rows is described without reading it
 };

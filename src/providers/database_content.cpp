@@ -100,7 +100,10 @@ bool DatabaseContent::Describe(String& error, const SectionSettings& settings, R
 
 bool DatabaseContent::ListTables(String& error, const String& names) {
     if (names != u"*") return ParseNames(error, names, tables_);
-    return database_->Tables(error, tables_, DataStorages::TableKind::Tables);
+    if (!database_->Tables(error, tables_, DataStorages::TableKind::Tables)) return false;
+    if (!tables_.empty() || missing_tables_ == MissingTables::End) return true;
+    error = u"The database has no tables.";
+    return false;
 }
 
 // A table that breaks off is no error of the step's own: the next one may follow.

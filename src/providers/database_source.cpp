@@ -45,7 +45,8 @@ bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettin
     database_->ReadBy(
         {.in_blocks = settings.Word(kFetchMode, FetchMode::Row) == FetchMode::Block,
          .block_bytes = settings.Size(kFetchMemory),
-         .whole_values = settings.Word(kLongValues, LongValues::Cut) == LongValues::Whole});
+         .whole_values = settings.Word(kLongValues, LongValues::Cut) == LongValues::Whole,
+         .bytes_as_digits = settings.Follows(Rule::BytesAsDigits)});
     return true;
 }
 

@@ -257,22 +257,32 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
 
 String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
 
-bool ODBCDatabase::KnowsTransactions() const {
+TransactionKind ODBCDatabase::Transactions() const {
     SQLUSMALLINT capable = SQL_TC_NONE;
     SQLGetInfoW(connection_.Get(), SQL_TXN_CAPABLE, &capable, sizeof capable, nullptr);
-    return capable != SQL_TC_NONE;
+    if (capable == SQL_TC_NONE) return TransactionKind::None;
+    return capable == SQL_TC_ALL ? TransactionKind::All : TransactionKind::Rows;
 }
 
-bool ODBCDatabase::BeginTransactions(String& error) {
+bool ODBCDatabase::SetAutocommit(String& error, std::uint32_t value) {
     CloseQuery();
     // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
-    auto* const off = reinterpret_cast<SQLPOINTER>(std::uintptr_t{SQL_AUTOCOMMIT_OFF});
-    in_transactions_ = odbc::Succeeded(
-        SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_AUTOCOMMIT, off, SQL_IS_UINTEGER));
-    if (in_transactions_) return true;
+    auto* const pointer = reinterpret_cast<SQLPOINTER>(std::uintptr_t{value});
+    if (odbc::Succeeded(
+            SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_AUTOCOMMIT, pointer, SQL_IS_UINTEGER))) {
+        in_transactions_ = value == SQL_AUTOCOMMIT_OFF;
+        return true;
+    }
     StoreDiagnostic();
     error = last_error_;
     return false;
+}
+
+bool ODBCDatabase::BeginTransactions(String& error) {
+    return SetAutocommit(error, SQL_AUTOCOMMIT_OFF);
+}
+bool ODBCDatabase::EndTransactions(String& error) {
+    return SetAutocommit(error, SQL_AUTOCOMMIT_ON);
 }
 
 bool ODBCDatabase::EndTransaction(String& error, std::int16_t how) {

@@ -79,9 +79,10 @@ public:
     String IdentifierQuote() const override;
 
     String Product() const override;
-    bool KnowsTransactions() const override;
+    TransactionKind Transactions() const override;
     // These fail with the driver's diagnostic, or with what ExecNonQuery says.
     bool BeginTransactions(String& error) override;
+    bool EndTransactions(String& error) override;
     bool Commit(String& error) override;
     bool Rollback(String& error) override;
     bool SetSavepoint(String& error) override;
@@ -101,6 +102,7 @@ private:
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();
+    bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
     bool CharactersAreUtf8(StringView query);
 

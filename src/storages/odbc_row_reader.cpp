@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/column_type.h"
 #include "core/sql_types.h"
 #include "storages/odbc_calls.h"
 
@@ -12,13 +13,31 @@ constexpr std::size_t kMostRows = 1'000;          // of a block; more gains noth
 constexpr std::size_t kUnsizedCellUnits = 1'024;  // for a column without a usable length
 constexpr std::int32_t kLongestCellUnits = 4'000;
 
-// How a value that may be longer than the room for it is read.
-using LongValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
+// How a value is read that may be longer than the room for it.
+using ValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
+using ValueReads = std::vector<ValueRead>;  // of the columns
 
-bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, LongValueRead read, void* statement,
+ValueReads ReadsOf(const ReadingMethod& method, const std::vector<ColumnDefinition>& columns) {
+    ValueReads reads;
+    for (const ColumnDefinition& column : columns) {
+        const ColumnKind kind = method.bytes_as_digits ? KindOf(column) : ColumnKind::Text;
+        if (kind == ColumnKind::Binary) {
+            reads.push_back(&ODBCValueBuffer::ReadBytes);
+        } else if (kind == ColumnKind::Bit) {
+            reads.push_back(&ODBCValueBuffer::ReadBit);
+        } else if (method.whole_values) {
+            reads.push_back(&ODBCValueBuffer::ReadWhole);
+        } else {
+            reads.push_back(&ODBCValueBuffer::ReadCut);
+        }
+    }
+    return reads;
+}
+
+bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, const ValueReads& reads, void* statement,
               std::uint16_t position) {
     const auto number = static_cast<std::uint16_t>(position + 1);
-    const auto outcome = (buffer.*read)(statement, number, value.Text);
+    const auto outcome = (buffer.*reads[position])(statement, number, value.Text);
     value.IsNull = outcome == ODBCValueBuffer::Outcome::Null;
     if (outcome != ODBCValueBuffer::Outcome::Text) value.Text.clear();
     return outcome != ODBCValueBuffer::Outcome::Failed;
@@ -27,18 +46,18 @@ bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, LongValueRead read, voi
 // Asks for each value by a call of its own.
 class ValueByValue final : public ODBCRowReader {
 public:
-    ValueByValue(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
-        : statement_(statement), buffer_(buffer), read_(read) {}
+    ValueByValue(void* statement, ODBCValueBuffer& buffer, ValueReads reads)
+        : statement_(statement), buffer_(buffer), reads_(std::move(reads)) {}
 
     std::int16_t Next() override { return SQLFetch(statement_); }
     bool Read(std::uint16_t position, DataValue& value) override {
-        return ReadInto(value, buffer_, read_, statement_, position);
+        return ReadInto(value, buffer_, reads_, statement_, position);
     }
 
 private:
     void* statement_;
     ODBCValueBuffer& buffer_;
-    LongValueRead read_;
+    const ValueReads reads_;
 };
 
 // ---- Blocks ----
@@ -59,8 +78,8 @@ std::size_t CellUnits(const ColumnDefinition& column) {
 // asked for again.
 class Blocks final : public ODBCRowReader {
 public:
-    Blocks(void* statement, ODBCValueBuffer& buffer, LongValueRead read)
-        : statement_(statement), buffer_(buffer), read_(read) {}
+    Blocks(void* statement, ODBCValueBuffer& buffer, ValueReads reads)
+        : statement_(statement), buffer_(buffer), reads_(std::move(reads)) {}
     ~Blocks() override { Unbind(); }
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
@@ -72,13 +91,16 @@ public:
     bool Read(std::uint16_t position, DataValue& value) override;
 
 private:
+    bool HoldsBytes(std::size_t position) const;
+    std::int16_t TypeOf(std::size_t position) const;
+    void Take(std::uint16_t position, std::size_t bytes, String& text) const;
     bool AskForRows(std::size_t rows);
     void Unbind();
     std::int16_t FetchBlock();
 
     void* statement_;
     ODBCValueBuffer& buffer_;
-    LongValueRead read_;
+    const ValueReads reads_;
     std::vector<std::size_t> units_;     // of a cell, by column
     std::vector<std::size_t> first_;     // unit of a column's first cell
     std::unique_ptr<char16_t[]> cells_;  // column by column
@@ -90,6 +112,26 @@ private:
     std::size_t good_rows_ = 0;  // in the block
     bool failed_ = false;        // behind its good rows
 };
+
+bool Blocks::HoldsBytes(std::size_t position) const {
+    return reads_[position] == &ODBCValueBuffer::ReadBytes;
+}
+
+std::int16_t Blocks::TypeOf(std::size_t position) const {
+    return HoldsBytes(position) ? SQL_C_BINARY : SQL_C_WCHAR;
+}
+
+// Takes a value that fits into its cell.
+void Blocks::Take(std::uint16_t position, std::size_t bytes, String& text) const {
+    const char16_t* const cell = cells_.get() + first_[position] + row_ * units_[position];
+    if (HoldsBytes(position)) {
+        text.clear();
+        ODBCValueBuffer::AppendDigits(text, cell, bytes);
+        return;
+    }
+    text.assign(cell, bytes / sizeof(char16_t));
+    if (reads_[position] == &ODBCValueBuffer::ReadBit) ODBCValueBuffer::ShowBit(text);
+}
 
 bool Blocks::AskForRows(std::size_t rows) {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
@@ -121,7 +163,7 @@ bool Blocks::Bind(std::vector<std::size_t> units, bool several_rows, std::uint64
     indicators_.resize(units_.size() * rows_);
     for (std::size_t i = 0; i < units_.size(); ++i) {
         const auto room = static_cast<SQLLEN>(units_[i] * sizeof(char16_t));
-        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), SQL_C_WCHAR,
+        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), TypeOf(i),
                                         cells_.get() + first_[i], room,
                                         indicators_.data() + i * rows_))) {
             return false;
@@ -170,8 +212,7 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
     }
     const std::size_t cell = units_[position];
     if (bytes >= 0 && static_cast<std::size_t>(bytes) < cell * sizeof(char16_t)) {
-        value.Text.assign(cells_.get() + first_[position] + row_ * cell,
-                          static_cast<std::size_t>(bytes) / sizeof(char16_t));
+        Take(position, static_cast<std::size_t>(bytes), value.Text);
         return true;
     }
     const auto row = static_cast<SQLSETPOSIROW>(row_ + 1);
@@ -179,14 +220,14 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
         !odbc::Succeeded(SQLSetPos(statement_, row, SQL_POSITION, SQL_LOCK_NO_CHANGE))) {
         return false;
     }
-    return ReadInto(value, buffer_, read_, statement_, position);
+    return ReadInto(value, buffer_, reads_, statement_, position);
 }
 
 // Null where the driver or the columns do not allow it.
 std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abilities,
                                           void* statement,
                                           const std::vector<ColumnDefinition>& columns,
-                                          ODBCValueBuffer& buffer, LongValueRead read) {
+                                          ODBCValueBuffer& buffer, const ValueReads& reads) {
     if (columns.empty() || (abilities & SQL_GD_BOUND) == 0) return nullptr;
     // Only a driver that reads values of every row of a block again may have several, and some
     // that say they do read those of another row. So columns whose values may turn out too long
@@ -198,7 +239,7 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abili
         if (cell == 0) several_rows = false;
         units.push_back(cell == 0 ? kUnsizedCellUnits : cell);
     }
-    auto blocks = std::make_unique<Blocks>(statement, buffer, read);
+    auto blocks = std::make_unique<Blocks>(statement, buffer, reads);
     if (!blocks->Bind(std::move(units), several_rows, bytes)) return nullptr;
     return blocks;
 }
@@ -209,15 +250,14 @@ std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* 
                                              void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer) {
-    const LongValueRead read =
-        method.whole_values ? &ODBCValueBuffer::ReadWhole : &ODBCValueBuffer::ReadCut;
+    const ValueReads reads = ReadsOf(method, columns);
     std::unique_ptr<ODBCRowReader> reader;
     if (method.in_blocks) {
         SQLUINTEGER abilities = 0;
         SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
-        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, read);
+        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, reads);
     }
-    if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, read);
+    if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, reads);
     return reader;
 }
 

@@ -61,4 +61,41 @@ ODBCValueBuffer::Outcome ODBCValueBuffer::ReadWhole(void* statement, std::uint16
     }
 }
 
+// A driver that does not know the size has filled the room.
+ODBCValueBuffer::Outcome ODBCValueBuffer::ReadBytes(void* statement, std::uint16_t number,
+                                                    String& digits) {
+    digits.clear();
+    for (;;) {
+        SQLLEN left = 0;
+        const SQLRETURN result =
+            SQLGetData(statement, number, SQL_C_BINARY, units_.get(), bytes_, &left);
+        if (result == SQL_NO_DATA) return Outcome::Text;
+        if (!odbc::Succeeded(result)) return Outcome::Failed;
+        if (left == SQL_NULL_DATA) return Outcome::Null;
+        const bool ends = left >= 0 && left <= bytes_;
+        AppendDigits(digits, units_.get(), static_cast<std::size_t>(ends ? left : bytes_));
+        if (result == SQL_SUCCESS || ends) return Outcome::Text;
+    }
+}
+
+void ODBCValueBuffer::AppendDigits(String& digits, const void* bytes, std::size_t count) {
+    constexpr StringView kDigits = u"0123456789ABCDEF";
+    const auto* const all = static_cast<const unsigned char*>(bytes);
+    for (std::size_t i = 0; i < count; ++i) {
+        digits += kDigits[all[i] / 16];
+        digits += kDigits[all[i] % 16];
+    }
+}
+
+ODBCValueBuffer::Outcome ODBCValueBuffer::ReadBit(void* statement, std::uint16_t number,
+                                                  String& text) {
+    const Outcome outcome = ReadCut(statement, number, text);
+    ShowBit(text);
+    return outcome;
+}
+
+void ODBCValueBuffer::ShowBit(String& text) {
+    if (text.size() == 1 && text.front() <= 1) text.front() = text.front() == 1 ? u'1' : u'0';
+}
+
 }  // namespace DataStorages

@@ -24,6 +24,16 @@ public:
     Outcome ReadCut(void* statement, std::uint16_t number, String& text);
     // Reads a value to its end, piece by piece.
     Outcome ReadWhole(void* statement, std::uint16_t number, String& text);
+    // The same of bytes, which come out as hexadecimal digits. Some drivers cut bytes that are read
+    // as text at the first zero, others put marks around the digits.
+    Outcome ReadBytes(void* statement, std::uint16_t number, String& digits);
+    // Reads a bit: "0" or "1". Some drivers hand over the bit itself as a character.
+    Outcome ReadBit(void* statement, std::uint16_t number, String& text);
+
+    // Appends the bytes as two digits each, capitals (ODBC reference, "SQL to C: Binary").
+    static void AppendDigits(String& digits, const void* bytes, std::size_t count);
+    // Makes a digit of a bit.
+    static void ShowBit(String& text);
 
 private:
     StringView Piece(std::int32_t room_bytes, std::int64_t indicator);

@@ -41,7 +41,13 @@ struct ReadingMethod {
     bool in_blocks = false;
     std::uint64_t block_bytes = 0;  // most room for a block
     bool whole_values = false;      // else long values are cut, see the database
+    // Bytes come as hexadecimal digits, all of them, and bits as 0 and 1, whatever the driver makes
+    // of them as texts.
+    bool bytes_as_digits = false;
 };
+
+// What a transaction of a database can take back: nothing, rows, or tables that are made, too.
+enum class TransactionKind { None, Rows, All };
 
 enum class TableKind { Tables = 0, Views = 1 };
 
@@ -84,10 +90,12 @@ public:
 
     // Which database it is, as it calls itself: "PostgreSQL".
     virtual String Product() const = 0;
-    virtual bool KnowsTransactions() const = 0;
+    virtual TransactionKind Transactions() const = 0;
     // From now on all that is executed belongs to a transaction, until Commit or Rollback end it
-    // and begin the next one. Without it each statement is one.
+    // and begin the next one.
     virtual bool BeginTransactions(String& error) = 0;
+    // From now on each statement is a transaction, as it is after Open.
+    virtual bool EndTransactions(String& error) = 0;
     virtual bool Commit(String& error) = 0;
     virtual bool Rollback(String& error) = 0;
     // Marks a place in the transaction, takes the mark away, or goes back to it and takes it away.
