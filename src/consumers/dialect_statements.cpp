@@ -10,7 +10,7 @@ void DialectStatements::Prepare(const TableSetting& table, const RowSet& rows, b
     insert_ = u"insert into ";
     dialect_.AppendName(insert_, table_);
     kinds_.clear();
-    StringView separator = u" (";
+    StringView separator = u"(";
     for (const ColumnDefinition& column : rows.Columns) {
         kinds_.push_back(dialect_.LiteralKindOf(column));
         if (!column_list || !column.Included) continue;
@@ -42,7 +42,7 @@ bool DialectStatements::AppendValues(String& error, String& statement, const Row
 }
 
 bool DialectStatements::AddColumn(String& error, const TableSetting& table, const RowSet& rows) {
-    if (NamedByRows(table.Unresolved(), rows)) table_ = {rows.SchemaName, rows.TableName};
+    if (!rows.TableName.empty()) table_ = table.NameOf(rows.TableName, rows.SchemaName);
     TableColumn column;
     if (!ReadDescribedColumn(error, rows, column)) return false;
     columns_.push_back(std::move(column));
@@ -54,14 +54,15 @@ void DialectStatements::AppendTable(String& statement) {
     columns_.clear();
 }
 
-bool DialectStatements::AppendNestedTable(String& error, String& statement, const RowSet& rows) {
+bool DialectStatements::AppendNestedTable(String& error, String& statement,
+                                          const TableSetting& table, const RowSet& rows) {
     columns_.clear();
     for (const RowSet& column : *rows.Nested) {
         if (!ReadDescribedColumn(error, column, columns_.emplace_back())) return false;
     }
     if (columns_.empty()) return true;
-    const String table = rows.Row.empty() ? String() : rows.Row[0].Text;
-    table_ = {rows.Row.size() < 2 ? String() : rows.Row[1].Text, table};
+    const StringView name = rows.Row.empty() ? StringView() : rows.Row[0].Text;
+    table_ = table.NameOf(name, rows.Row.size() < 2 ? StringView() : rows.Row[1].Text);
     AppendTable(statement);
     return true;
 }

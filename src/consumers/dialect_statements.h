@@ -18,7 +18,8 @@ public:
     void AppendTable(String& statement) override;
     bool HasColumns() const override { return !columns_.empty(); }
     bool EndsEmptyTables() const override { return false; }
-    bool AppendNestedTable(String& error, String& statement, const RowSet& rows) override;
+    bool AppendNestedTable(String& error, String& statement, const TableSetting& table,
+                           const RowSet& rows) override;
 
 private:
     const SqlDialect& dialect_;

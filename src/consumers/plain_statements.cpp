@@ -24,7 +24,9 @@ void PlainStatements::AppendTable(String& statement) {
     table_.clear();
 }
 
-bool PlainStatements::AppendNestedTable(String& error, String& statement, const RowSet& rows) {
+// The rows name it, whatever the setting says.
+bool PlainStatements::AppendNestedTable(String& error, String& statement,
+                                        const TableSetting& /*table*/, const RowSet& rows) {
     const StringView table = rows.Row.empty() ? StringView() : rows.Row[0].Text;
     const StringView schema = rows.Row.size() < 2 ? StringView() : rows.Row[1].Text;
     for (const RowSet& column : *rows.Nested) {

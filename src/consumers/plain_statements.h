@@ -15,7 +15,8 @@ public:
     void AppendTable(String& statement) override;
     bool HasColumns() const override { return !table_.empty(); }
     bool EndsEmptyTables() const override { return true; }
-    bool AppendNestedTable(String& error, String& statement, const RowSet& rows) override;
+    bool AppendNestedTable(String& error, String& statement, const TableSetting& table,
+                           const RowSet& rows) override;
 
 private:
     String insert_;  // what begins an insert statement

@@ -114,7 +114,7 @@ bool SQLScript::WriteRow(String& error, const RowSet& rows) {
 
 bool SQLScript::WriteTable(String& error, const RowSet& rows) {
     line_.clear();
-    if (!form_->AppendNestedTable(error, line_, rows)) return false;
+    if (!form_->AppendNestedTable(error, line_, *table_, rows)) return false;
     whole_tables_ = true;
     return line_.empty() || EndStatement(error);  // empty: a table without columns
 }

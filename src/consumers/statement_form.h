@@ -33,7 +33,8 @@ public:
     // Whether AppendTable is wanted for a result set without rows, too.
     virtual bool EndsEmptyTables() const = 0;
     // Likewise of a row that names a table and its schema, and brings its columns along.
-    virtual bool AppendNestedTable(String& error, String& statement, const RowSet& rows) = 0;
+    virtual bool AppendNestedTable(String& error, String& statement, const TableSetting& table,
+                                   const RowSet& rows) = 0;
 };
 
 }  // namespace sql

@@ -38,4 +38,9 @@ TableName TableSetting::Name() const {
     return name;
 }
 
+TableName TableSetting::NameOf(StringView table, StringView schema) const {
+    settings_.NameTable(table, schema);
+    return Name();
+}
+
 }  // namespace sql

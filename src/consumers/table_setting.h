@@ -19,6 +19,8 @@ public:
     String Text() const;
     // Its pieces, macros replaced, without quotes.
     TableName Name() const;
+    // The same where the rows tell their table: "$TABLE$" and "$SCHEMA$" are that table's.
+    TableName NameOf(StringView table, StringView schema) const;
 
 private:
     SectionSettings settings_;

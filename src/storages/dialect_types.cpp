@@ -37,10 +37,13 @@ std::optional<Size> SizeInName(StringView type_name) {
     return Size{length, static_cast<std::int32_t>(std::clamp<std::int64_t>(digits, 0, length))};
 }
 
+bool IsToldAsDouble(const ColumnDefinition& column) {
+    return column.ConciseType == kSqlDouble || column.ConciseType == kSqlFloat;
+}
+
 std::optional<Size> DecimalSize(const ColumnDefinition& column) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
-    const bool is_double = column.ConciseType == kSqlDouble || column.ConciseType == kSqlFloat;
-    const bool is_real = !is_double && column.Length > 0 && column.Digits >= 0 &&
+    const bool is_real = !IsToldAsDouble(column) && column.Length > 0 && column.Digits >= 0 &&
                          column.Length != kUnsizedText;
     const bool is_unsized =
         column.Length == kUnsizedDecimal && column.Digits == kUnsizedDecimalDigits;
@@ -127,6 +130,7 @@ String TypeWord(const TypeWords& words, const ColumnDefinition& column) {
         case ColumnType::BigInt:
             return WholeNumberWord(words, type, IsUnsigned(column));
         case ColumnType::Decimal:
+            if (IsToldAsDouble(column) && !DecimalSize(column)) return String(words.loose_decimal);
             return DecimalWord(words, DecimalSize(column));
         case ColumnType::Real:
             return String(words.real);
@@ -171,6 +175,7 @@ const TypeWords kAnsiTypes = {
     .decimal = {u"decimal", kNoLimit},
     .wide_decimal = {},
     .plain_decimal = u"decimal(28,6)",
+    .loose_decimal = u"double precision",
     .date = u"date",
     .time = u"time",
     .timestamp = u"timestamp",
@@ -200,6 +205,7 @@ const TypeWords kSqliteTypes = {
     .decimal = {u"decimal", 15},
     .wide_decimal = u"text",
     .plain_decimal = u"text",
+    .loose_decimal = u"numeric",
     .date = u"date",
     .time = u"time",
     .timestamp = u"timestamp",
@@ -228,6 +234,7 @@ const TypeWords kPostgresTypes = {
     .decimal = {u"numeric", 1'000},
     .wide_decimal = u"numeric",
     .plain_decimal = u"numeric",
+    .loose_decimal = u"numeric",
     .date = u"date",
     .time = u"time",
     .timestamp = u"timestamp",
@@ -257,6 +264,7 @@ const TypeWords kMySqlTypes = {
     .decimal = {u"decimal", 65},
     .wide_decimal = u"longtext",
     .plain_decimal = u"decimal(65,30)",
+    .loose_decimal = u"double",
     .date = u"date",
     .time = u"time",
     .timestamp = u"datetime",
@@ -285,6 +293,7 @@ const TypeWords kSqlServerTypes = {
     .decimal = {u"decimal", 38},
     .wide_decimal = u"nvarchar(max)",
     .plain_decimal = u"decimal(38,12)",
+    .loose_decimal = u"float",
     .date = u"date",
     .time = u"time",
     .timestamp = u"datetime2",

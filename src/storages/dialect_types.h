@@ -26,6 +26,7 @@ struct TypeWords {
     SizedWord decimal;         // its limit: the digits that it keeps exactly
     StringView wide_decimal;   // beyond the limit
     StringView plain_decimal;  // without a size
+    StringView loose_decimal;  // likewise, where the driver takes it for a double
     StringView date;
     StringView time;
     StringView timestamp;

@@ -48,7 +48,13 @@ std::vector<StringView> PiecesOf(StringView name) {
     char16_t closing = 0;  // of the quotes that we are in
     for (std::size_t i = 0; i < name.size(); ++i) {
         if (closing != 0) {
-            if (name[i] == closing) closing = 0;
+            if (name[i] != closing) continue;
+            const bool is_doubled = name.substr(i + 1).starts_with(closing);
+            if (is_doubled) {
+                ++i;
+            } else {
+                closing = 0;
+            }
         } else if (name[i] == u'.') {
             pieces.push_back(name.substr(start, i - start));
             start = i + 1;

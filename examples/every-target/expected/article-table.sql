@@ -1,6 +1,6 @@
 create table "article" (
- "No" INTEGER null,
+ "No" integer,
  "The ""name""" varchar(60) not null,
- "Größe" varchar(20) null,
- "Price" numeric(9,2) null,
- "note" varchar(100) null);
+ "Größe" varchar(20),
+ "Price" decimal(9,2),
+ "note" varchar(100));
