@@ -142,7 +142,8 @@ bool FileTarget::WriteOut(String& error) {
 bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     const String name = settings.Text(kName);
     sink_.reset();  // it may be the same file
-    goes_on_ = append_ && platform::PathExists(name);
+    // A file that has the name of standard output is not what goes on.
+    goes_on_ = append_ && platform::PathExists(name) && !(any_console_word_ && IsConsole(name));
     if (IsConsole(name)) {
         TextForm form = form_;
         form.marked = std::exchange(marks_console_, false);  // once, whatever begins behind it
