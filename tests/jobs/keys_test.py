@@ -44,6 +44,18 @@ class Keys(Scene):
                 self.assert_ends(
                     run(folder, f"-config={job.name}", "-check", "-silent", *given, *lines))
 
+    def test_old_job_keeps_its_bytes_on_its_way_to_edition_2(self):
+        example = ROOT / "examples" / "old-job"
+        expected = {path.name: path.read_bytes() for path in (example / "expected").iterdir()}
+        for job in sorted(example.glob("*.qpr")):
+            with self.subTest(job.name):
+                folder = self.path / job.stem
+                shutil.copytree(example, folder)
+                subprocess.run(["sqlite3", "data.db"], cwd=folder, check=True,
+                               input=(example / "setup.sql").read_bytes())
+                self.assert_ends(run(folder, f"-config={job.name}", "-silent"))
+                self.assertEqual({name: (folder / name).read_bytes() for name in expected}, expected)
+
     def test_switches(self):
         step = "Step\nSystem\nCommand=WriteFile\nText=x\nFile="
         self.write("job.qpr", f"Globals\nEdition=2\n{step}1\n{step}2\n{step}3\n")
