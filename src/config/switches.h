@@ -65,3 +65,4 @@ inline constexpr Key kOnlySwitch = kSwitches[u"-only"];
 inline constexpr Key kFromSwitch = kSwitches[u"-from"];
 inline constexpr Key kReportSwitch = kSwitches[u"-report"];
 inline constexpr Key kTypeSwitch = kSwitches[u"-Type"];
+inline constexpr Key kOutputSwitch = kSwitches[u"-Output"];

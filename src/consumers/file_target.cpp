@@ -186,8 +186,10 @@ bool FileTarget::RefuseInput(String& error, const String& name) const {
     return true;
 }
 
-bool FileTarget::OwnsStandardOutput(const SectionSettings& settings) {
-    return settings.Follows(Rule::ConsoleIsForAll) && IsConsoleWord(settings.Text(kName));
+bool FileTarget::OwnsStandardOutput(const SectionSettings& settings, String other_name) {
+    if (!settings.Follows(Rule::ConsoleIsForAll)) return false;
+    settings.ResolveAllMacros(other_name);
+    return IsConsoleWord(other_name.empty() ? settings.Text(kName) : other_name);
 }
 
 // What comes after what did not arrive must not be written.

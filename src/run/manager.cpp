@@ -83,18 +83,19 @@ void Manager::WriteBanner() {
     if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
 }
 
-// Messages keep out of data that a step of the run writes to standard output.
+// Messages keep out of data that a step of the run writes to standard output. The steps do not have
+// the quick-job switches yet, as the listing shows the job without them.
 void Manager::GiveOutputToData(Configuration& configuration) {
     if (configuration.CommandLine().Find(kCheckSwitch->name) != nullptr) return;
+    const String output = configuration.Text(Section::CommandLine, kOutputSwitch);
     String told_later;
     std::vector<std::size_t> steps;
     SelectSteps(told_later, configuration, steps);
     for (const std::size_t index : steps) {
         configuration.SetCurrentStep(index);
-        configuration.AdditonalCmdLine(told_later, index);
+        const SectionSettings target(configuration, Section::Target);
         output_is_owned_ |= configuration.Step(index).List(Section::System).Empty() &&
-                            DataConsumers::FileTarget::OwnsStandardOutput(
-                                SectionSettings(configuration, Section::Target));
+                            DataConsumers::FileTarget::OwnsStandardOutput(target, output);
     }
     if (output_is_owned_) {
         console_ = Quillon::LoggerConsole(Quillon::LoggerConsole::Stream::Error);

@@ -121,6 +121,9 @@ class Keys(Scene):
                 (reject + step.format("", "o", "") + step.format("OnBadRow=Stop\n", "o", ""), [],
                  0, "", ""),
                 (step.format("", "STDOUT", "Overwrite=0\n"), [], 0, data, ""),
+                ("MessagesTo=Output\n" + step.format("", "o", ""), ["-Output=STDOUT", "-Q"], 0, data,
+                 "Step #0\n  source.Type=TextFile\n  source.Name=in.csv\n"
+                 "  target.Type=TextFile\n  target.Name=o\n"),
                 ("MessagesTo=Output\n" + step.format("", "o", "") + step.format("", "STDOUT", ""),
                  ["-silent", "-only=1", "-Q=off"], 0, "", "")):
             with self.subTest(job=job, arguments=arguments):
