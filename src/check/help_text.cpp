@@ -94,6 +94,7 @@ String HelpOn(StringView word) {
 StringView NearestHelpWord(StringView word) {
     std::vector<StringView> words = {u"keys"};
     for (const KeyOwner& owner : KeyOwners()) {
+        if (owner.section == Section::CommandLine) continue;
         if (!owner.word.empty()) words.push_back(owner.word);
         words.push_back(NameOf(owner.section));
     }
