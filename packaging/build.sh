@@ -33,15 +33,14 @@ quietly() {
 }
 
 build_debian() {
-    cp -r packaging/debian "$source/debian"
-    mkdir "$source/debian/source"
-    echo "3.0 (native)" >"$source/debian/source/format"
+    cp -r "$source/packaging/debian" "$source/debian"
     printf 'quillon (%s) unstable; urgency=medium\n\n  * CHANGELOG.md tells what is new.\n\n -- %s  %s\n' \
-        "$version" "$(sed -n 's/^Maintainer: //p' packaging/debian/control)" \
+        "$version" "$(sed -n 's/^Maintainer: //p' "$source/debian/control")" \
         "$(date -R -d "@$SOURCE_DATE_EPOCH")" >"$source/debian/changelog"
     (cd "$source" && DEB_BUILD_OPTIONS="noautodbgsym parallel=$(nproc)" \
         quietly dpkg-buildpackage --build=binary --no-sign)
-    cp "$work/quillon_${version}_amd64.deb" "$out/"
+    packages+=("quillon_${version}_amd64.deb")
+    cp "$work/${packages[-1]}" "$out/"
 }
 
 build_windows() {
@@ -56,11 +55,12 @@ build_windows() {
     install -D -m 644 /usr/share/doc/mingw-w64-x86-64-dev/copyright \
         "$work/$folder/licences/mingw-w64.txt"
     find "$work/$folder" -exec touch -h -d "@$SOURCE_DATE_EPOCH" {} +
+    packages+=("$folder.zip")
     rm -f "$out/$folder.zip"
     (cd "$work" && find "$folder" -type f | sort | quietly zip -X -9 -@ "$out/$folder.zip")
 }
 
+packages=()
 build_debian
 if $windows; then build_windows; fi
-(cd "$out" && find . -name '*.deb' -o -name '*.zip' | sort | cut -c3- | xargs sha256sum >SHA256SUMS)
-cat "$out/SHA256SUMS"
+(cd "$out" && sha256sum "${packages[@]}" | tee SHA256SUMS)

@@ -19,6 +19,8 @@ GOOD = ("database-content", "database-metadata", "edition2-job-file", "html", "j
 
 # What their comments say to give along, beside what "args" holds.
 GIVEN = {"nightly-files": ("$HOST$=localhost", "$PORT$=80", "$DATE$=day", "$OLD$=day"),
+         "plan": ("$SALES_DB$=DSN=sales", "$PARTS$=4"),
+         "part": ("$SALES_DB$=DSN=sales", "$PART$=1", "$LOW$=1", "$HIGH$=2"),
          "copy-to-sqlite": ("$SALES_DB$=DSN=sales",),
          "quick": ("-Type=DatabaseQueryToTextFile", "-DSN=sales", "-Query=select 1", "-Output=o")}
 
