@@ -4,21 +4,24 @@
 set -eu
 cd "$(dirname "$0")"
 
-# counted REPORT ROWS : whether a run succeeded and wrote so many rows, all that it read.
-counted() {
-    jq -e --argjson rows "$2" \
-        '.status == 0 and .steps[0].rows_read == $rows and .steps[0].rows_written == $rows' \
-        "$1" >/dev/null 2>&1
+# "FILE,ROWS" of each report of a run that succeeded and wrote all that it read.
+written() {
+    jq -r 'select(.status == 0) | .steps[0] | select(.rows_read == .rows_written) |
+        "\(.target.name),\(.rows_written)"' "$@"
 }
 
 plan=$(tail -n +2 plan.csv)
+reports=$(written parts/*.json || true)
 total=0
 again=
 while IFS=, read -r part low high planned; do
     total=$((total + planned))
-    if [ ! -f "parts/$part.csv" ] || ! counted "parts/$part.json" "$planned"; then
-        again="$again $part"
-    fi
+    [ -f "parts/$part.csv" ] && case "
+$reports
+" in *"
+parts/$part.csv,$planned
+"*) continue ;; esac
+    again="$again $part"
 done <<END
 $plan
 END
@@ -33,7 +36,7 @@ fi
         tail -n +2 "parts/$part.csv"
     done
 } | "${QUILLON:-quillon}" -config=join.qpr -silent -report=joined.json
-if ! counted joined.json "$total"; then
+if [ "$(written joined.json)" != "joined.csv,$total" ]; then
     echo "joined.csv does not hold the $total rows of the plan." >&2
     exit 2
 fi
