@@ -17,7 +17,7 @@ sha256sum --quiet -c SHA256SUMS
 
 work=$(mktemp -d)
 trap 'rm -rf --one-file-system "$work"' EXIT
-deb=$(realpath quillon_*.deb)
+deb=$PWD/$(sed -n 's/.*  \(.*\.deb\)$/\1/p' SHA256SUMS)
 
 # run_examples FOLDER COMMAND... : whole jobs, compared byte by byte.
 run_examples() {
@@ -44,7 +44,7 @@ check_linux() {
 }
 
 check_windows() {
-    unzip -q quillon-*-windows-x64.zip -d "$work/windows"
+    unzip -q "$(sed -n 's/.*  \(.*\.zip\)$/\1/p' SHA256SUMS)" -d "$work/windows"
     local folder
     folder=$(echo "$work"/windows/*)
     run_examples "$folder/examples" wine "$folder/quillon.exe"
