@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/strings.h"
@@ -20,6 +21,12 @@ namespace DataConsumers {
 struct WrittenFile {
     String name;
     std::uint64_t bytes = 0;  // of text, a byte-order mark not counted
+};
+
+// Where a row came from, as a RowSet tells it.
+struct RowOrigin {
+    std::uint64_t number = 0;
+    std::uint64_t line = 0;
 };
 
 // The target of a step: takes the rows that its source delivers.
@@ -70,7 +77,12 @@ public:
     // Whether the written size counts bytes.
     virtual bool WritesBytes() const { return false; }
 
-    // Rows that were set aside in a reject file, and characters that an encoding lacks.
+    // The row that the last failure is about, where it is not the one that was written last.
+    virtual std::optional<RowOrigin> FailedRow() const { return std::nullopt; }
+
+    // Rows that were left out, rows that were set aside in a reject file, and characters that an
+    // encoding lacks.
+    virtual std::uint64_t Skipped() const { return 0; }
     virtual std::uint64_t Rejected() const { return 0; }
     virtual std::uint64_t ReplacedCharacters() const { return 0; }
 

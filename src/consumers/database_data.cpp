@@ -1,7 +1,12 @@
 #include "consumers/database_data.h"
 
+#include <algorithm>
+
+#include "consumers/column_match.h"
+#include "consumers/literal_rows.h"
 #include "consumers/sql_statement.h"
 #include "files/format.h"
+#include "storages/identifier.h"
 #include "storages/open_database.h"
 
 namespace DataConsumers {
@@ -9,45 +14,147 @@ namespace {
 
 constexpr KeyTable kKeys({
     {.name = u"Table",
-     .meaning = u"the table",
+     .meaning = u"the table; macros are replaced for each result set, see TablePerResultSet",
      .macros = Macros::Replaced,
      .names = Names::Table,
      .needed = u"table"},
     {.name = u"Delimiter", .meaning = u"what ends a statement"},
+    {.name = u"InsertMode",
+     .kind = KeyKind::Word,
+     .words = u"Literal Bound",
+     .edition1 = u"Literal",
+     .edition2 = u"Bound",
+     .meaning = u"values as literals in the text of statements, or as their parameters",
+     .since = Since::Later},
+    {.name = u"InsertRows",
+     .kind = KeyKind::Number,
+     .edition1 = u"1",
+     .edition2 = u"0",
+     .meaning = u"rows a statement; 0: what suits the driver",
+     .since = Since::Later},
+    {.name = u"CommitRows",
+     .kind = KeyKind::Number,
+     .edition1 = u"1",
+     .edition2 = u"0",
+     .meaning = u"rows a transaction; 0: the whole step is one",
+     .since = Since::Later},
+    {.name = u"ColumnList",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"1",
+     .meaning = u"columns go to those of the same name, else to those in the same place",
+     .since = Since::Later},
+    {.name = u"TablePerResultSet",
+     .kind = KeyKind::Flag,
+     .edition1 = u"0",
+     .edition2 = u"1",
+     .meaning = u"read Table anew for each result set, so that $TABLE$ follows the source",
+     .since = Since::Later},
+    {.name = u"OnBadRow",
+     .kind = KeyKind::Word,
+     .words = u"Skip Stop Reject",
+     .edition1 = u"Stop",
+     .edition2 = u"Stop",
+     .meaning = u"what becomes of a row that the database refuses",
+     .since = Since::Later},
+    {.name = u"RejectFile",
+     .meaning = u"the file for the rows that OnBadRow=Reject sets aside",
+     .macros = Macros::Replaced,
+     .since = Since::Later,
+     .names = Names::FileAside},
+    {.name = u"MaxRejects",
+     .kind = KeyKind::Number,
+     .edition1 = u"1000",
+     .edition2 = u"1000",
+     .meaning = u"how many rows may be set aside; one more fails the step",
+     .since = Since::Later},
 });
 constexpr Key kTable = kKeys[u"Table"];
 constexpr Key kDelimiter = kKeys[u"Delimiter"];
+constexpr Key kInsertMode = kKeys[u"InsertMode"];
+constexpr Key kInsertRows = kKeys[u"InsertRows"];
+constexpr Key kCommitRows = kKeys[u"CommitRows"];
+constexpr Key kColumnList = kKeys[u"ColumnList"];
+constexpr Key kTablePerResultSet = kKeys[u"TablePerResultSet"];
+constexpr Key kOnBadRow = kKeys[u"OnBadRow"];
+constexpr Key kRejectFile = kKeys[u"RejectFile"];
+constexpr Key kMaxRejects = kKeys[u"MaxRejects"];
 
 }  // namespace
 
 KeyList DatabaseData::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
-DatabaseData::~DatabaseData() {
-    if (database_) database_->Close();
-}
+DatabaseData::~DatabaseData() { TakeBack(); }
 
-// Reads the settings and connects.
-bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
-    DataStorages::ConnectionSettings connection;
-    if (!connection.Read(error, settings,
-                         u"The data source name or connect string is not provided")) {
+// ---- Opening ----
+
+bool DatabaseData::ReadSettings(String& error, const SectionSettings& settings) {
+    settings_ = settings;
+    if (!connection_.Read(error, settings,
+                          u"The data source name or connect string is not provided")) {
         return false;
     }
-    table_ = settings.Text(kTable);
-    if (table_.empty()) {
+    if (settings.Text(kTable).empty()) {
         error = u"The target table name is not provided";
         return false;
     }
     delimiter_ = settings.Text(kDelimiter);
-    database_ = DataStorages::OpenDatabase(error, connection);
+    insert_mode_ = settings.Word(kInsertMode, InsertMode::Literal);
+    insert_rows_ = static_cast<std::size_t>(settings.Number(kInsertRows));
+    by_name_ = settings.Flag(kColumnList);
+    table_per_result_set_ = settings.Flag(kTablePerResultSet);
+    removed_count_ = insert_mode_ == InsertMode::Literal;
+    return ReadLoadRules(error, settings);
+}
+
+bool DatabaseData::ReadLoadRules(String& error, const SectionSettings& settings) {
+    rules_.commit_rows = static_cast<std::uint64_t>(settings.Number(kCommitRows));
+    rules_.bad_row = settings.Word(kOnBadRow, TableLoad::BadRow::Stop);
+    rules_.reject_file = settings.Text(kRejectFile);
+    rules_.most_rejects = static_cast<std::uint64_t>(settings.Number(kMaxRejects));
+    if (rules_.bad_row != TableLoad::BadRow::Reject || !rules_.reject_file.empty()) return true;
+    error = u"OnBadRow=Reject needs a RejectFile.";
+    return false;
+}
+
+bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
+    if (!ReadSettings(error, settings)) return false;
+    database_ = DataStorages::OpenDatabase(error, connection_);
     return database_ != nullptr;
 }
 
 bool DatabaseData::Open(String& error, const SectionSettings& settings) {
     written_size_ = 0;
-    prefix_.clear();
-    if (!Connect(error, settings)) return false;
-    const bool described = database_->Query(error, u"select * from " + table_, table_rows_);
+    origins_.clear();
+    if (!Connect(error, settings) || !load_.Open(error, *database_, rules_)) return false;
+    NameTable();
+    return DescribeTable(error);
+}
+
+// Names the table as statements do.
+void DatabaseData::NameTable() {
+    begun_ = false;
+    if (!settings_->Follows(Rule::MacroIsOneName)) {
+        table_ = settings_->Text(kTable);
+        return;
+    }
+    table_.clear();
+    const String quote = database_->IdentifierQuote();
+    const String setting = settings_->Unresolved(kTable);
+    for (const StringView piece : sql::PiecesOf(setting)) {
+        String name = sql::PlainName(piece);
+        settings_->ResolveAllMacros(name);
+        if (name.empty()) continue;  // the schema of a source that knows none
+        if (!table_.empty()) table_ += u'.';
+        sql::AppendIdentifier(table_, name, quote);
+    }
+}
+
+bool DatabaseData::DescribeTable(String& error) {
+    const String query = u"select * from " + table_;
+    const bool described = settings_->Follows(Rule::TargetsAreDescribed)
+                               ? database_->Describe(error, query, table_rows_)
+                               : database_->Query(error, query, table_rows_);
     database_->CloseQuery();
     if (!described) error = u"Could not retrieve table defintition";  // published spelling
     return described;
@@ -56,38 +163,117 @@ bool DatabaseData::Open(String& error, const SectionSettings& settings) {
 bool DatabaseData::CheckColumns(String& error, const SectionSettings& settings,
                                 const RowSet& rows) {
     if (!Connect(error, settings)) return false;
+    NameTable();
     if (!database_->Describe(error, u"select * from " + table_, table_rows_)) {
         error = u"Could not retrieve table defintition";
         return false;
     }
-    return ColumnsFit(error, rows);
+    Columns ignored;
+    return by_name_ ? MatchColumns(error, table_, rows.Columns, table_rows_.Columns, ignored)
+                    : ColumnsFit(error, rows.Columns);
 }
 
-bool DatabaseData::ColumnsFit(String& error, const RowSet& rows) const {
-    if (rows.Columns.size() == table_rows_.Columns.size()) return true;
+bool DatabaseData::ColumnsFit(String& error, const Columns& columns) const {
+    const auto counts = [&](const auto& column) { return removed_count_ || column.Included; };
+    const auto count =
+        static_cast<std::size_t>(std::count_if(columns.begin(), columns.end(), counts));
+    if (count == table_rows_.Columns.size()) return true;
     // Published spelling.
-    error = Format(u"Traget table has different structure [%d -> %d columns].", rows.Columns.size(),
+    error = Format(u"Traget table has different structure [%d -> %d columns].", count,
                    table_rows_.Columns.size());
     return false;
 }
 
-bool DatabaseData::Prepare(String& /*error*/, RowSet& /*rows*/) { return true; }
+// ---- Rows ----
 
-bool DatabaseData::Write(String& error, RowSet& rows) {
-    if (!ColumnsFit(error, rows)) return false;
-    if (prefix_.empty()) prefix_ = sql::InsertPrefix(table_, table_rows_.Columns, false);
-    statement_ = prefix_;
-    if (!sql::AppendValueList(error, statement_, rows.Columns, rows.Row)) return false;
-    statement_ += delimiter_;
-    if (!database_->ExecNonQuery(error, statement_)) return false;
-    ++written_size_;
-    return true;
-}
-
-bool DatabaseData::NextResultSet(String& /*error*/, const SectionSettings& /*settings*/) {
+// Two tables of a source that would end in one are hardly wanted.
+bool DatabaseData::NoteOrigin(String& error, const RowSet& rows) {
+    if (rows.TableName.empty() || !table_per_result_set_) return true;
+    const String origin = rows.SchemaName.empty()
+                              ? rows.TableName
+                              : Format(u"%s.%s", rows.SchemaName, rows.TableName);
+    const auto [place, is_new] = origins_.emplace(table_, origin);
+    const bool follows = settings_->Unresolved(kTable).find(u"$TABLE$") != String::npos;
+    if (is_new || place->second == origin || !follows) return true;
+    error = Format(u"Table %s would take the rows of %s and of %s: name it by $SCHEMA$, too.",
+                   table_, place->second, origin);
     return false;
 }
 
-bool DatabaseData::Close(String& /*error*/) { return database_->Close(); }
+bool DatabaseData::Prepare(String& error, RowSet& rows) {
+    return !by_name_ || BeginRows(error, rows);
+}
+
+String DatabaseData::InsertHead(const Columns& columns) const {
+    if (!settings_->Follows(Rule::MacroIsOneName)) {
+        return sql::InsertPrefix(table_, columns, by_name_);
+    }
+    String head = u"insert into " + table_;
+    const String quote = database_->IdentifierQuote();
+    for (std::size_t i = 0; by_name_ && i < columns.size(); ++i) {
+        head += i == 0 ? u'(' : u',';
+        sql::AppendIdentifier(head, columns[i].Name, quote);
+    }
+    if (by_name_) head += u')';
+    return head += u" values";
+}
+
+bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
+    DataStorages::InsertTarget target;
+    if (!NoteOrigin(error, rows)) return false;
+    if (by_name_) {
+        if (!MatchColumns(error, table_, rows.Columns, table_rows_.Columns, target.columns)) {
+            return false;
+        }
+    } else {
+        target.columns = table_rows_.Columns;
+    }
+    target.head = InsertHead(target.columns);
+    target.rows = insert_rows_;
+    target.most_rows = static_cast<std::size_t>(rules_.commit_rows);
+    target.end = delimiter_;
+    if (insert_mode_ == InsertMode::Bound) {
+        load_.Use(database_->MakeSender(target));
+    } else {
+        load_.Use(std::make_unique<LiteralRows>(*database_, std::move(target)));
+    }
+    begun_ = true;
+    return true;
+}
+
+bool DatabaseData::Write(String& error, RowSet& rows) {
+    if (!by_name_ && !ColumnsFit(error, rows.Columns)) return false;
+    if (!begun_ && !BeginRows(error, rows)) return false;
+    const bool added = load_.Add(error, rows);
+    written_size_ = load_.Inserted();
+    return added;
+}
+
+bool DatabaseData::NextResultSet(String& error, const SectionSettings& /*settings*/) {
+    if (!by_name_ && !table_per_result_set_) return false;
+    begun_ = false;
+    if (!load_.Send(error)) return false;
+    if (!table_per_result_set_) return true;
+    NameTable();
+    return DescribeTable(error);
+}
+
+// ---- The end ----
+
+bool DatabaseData::Close(String& error) {
+    const bool sent = load_.Send(error);
+    written_size_ = load_.Inserted();
+    return sent && (load_.InTransaction() || Finish(error));
+}
+
+bool DatabaseData::Commit(String& error) { return !load_.InTransaction() || Finish(error); }
+
+bool DatabaseData::Finish(String& error) { return load_.Commit(error) && database_->Close(); }
+
+void DatabaseData::TakeBack() {
+    if (!database_) return;
+    load_.Rollback();
+    database_->Close();
+}
 
 }  // namespace DataConsumers

@@ -1,13 +1,19 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "consumers/data_consumer.h"
+#include "consumers/table_load.h"
+#include "storages/connection_settings.h"
 #include "storages/storage_database.h"
 
 namespace DataConsumers {
 
-// Inserts each row into a table of a database, one statement a row. The written size counts rows.
+// Inserts the rows into a table of a database; see TableLoad for statements and transactions. The
+// written size counts rows.
 class DatabaseData final : public DataConsumer {
 public:
     static KeyList Keys();
@@ -17,29 +23,64 @@ public:
     // "The data source name or connect string is not provided"
     // "The target table name is not provided"
     // "Could not retrieve table defintition" where the table cannot be read; published spelling
-    // and the database's own messages.
+    // "OnBadRow=Reject needs a RejectFile."
+    // and the messages of the database and of TableLoad.
     bool Open(String& error, const SectionSettings& settings) override;
+    // Where columns are matched by name: the messages of MatchColumns, and
+    // "Table %s would take the rows of %s and of %s: name it by $SCHEMA$, too."
     bool Prepare(String& error, RowSet& rows) override;
     // "Traget table has different structure [%d -> %d columns]." with the columns of the source
     // and of the table, published spelling; "Cound not build SQL statement"; or the database's
-    // message. Earlier rows stay.
+    // message, and those of RowSender and TableLoad.
     bool Write(String& error, RowSet& rows) override;
-    // Always false: the rows of a further result set go into the same table.
+    // False where the rows of a further result set go into the same table, by position.
     bool NextResultSet(String& error, const SectionSettings& settings) override;
+    // Sends the last rows.
     bool Close(String& error) override;
-    // "Traget table has different structure [%d -> %d columns]." likewise; no row is touched.
+    // Makes them final and disconnects. Without it everything is taken back that no transaction of
+    // its own has made final, and the tables that this target has made go.
+    bool Commit(String& error) override;
+    // "Traget table has different structure [%d -> %d columns]." and the messages of MatchColumns;
+    // no row is touched.
     bool CheckColumns(String& error, const SectionSettings& settings, const RowSet& rows) override;
 
-private:
-    bool Connect(String& error, const SectionSettings& settings);
-    bool ColumnsFit(String& error, const RowSet& rows) const;
+    std::optional<RowOrigin> FailedRow() const override { return load_.FailedRow(); }
+    std::uint64_t Skipped() const override { return load_.Skipped(); }
+    std::uint64_t Rejected() const override { return load_.Rejected(); }
 
+private:
+    enum class InsertMode { Literal, Bound };
+    using Columns = std::vector<ColumnDefinition>;
+
+    bool ReadSettings(String& error, const SectionSettings& settings);
+    bool ReadLoadRules(String& error, const SectionSettings& settings);
+    bool Connect(String& error, const SectionSettings& settings);
+    void NameTable();
+    bool DescribeTable(String& error);
+    bool BeginRows(String& error, const RowSet& rows);
+    bool NoteOrigin(String& error, const RowSet& rows);
+    bool ColumnsFit(String& error, const Columns& columns) const;
+    String InsertHead(const Columns& columns) const;
+    bool Finish(String& error);
+    void TakeBack();
+
+    std::optional<SectionSettings> settings_;
+    DataStorages::ConnectionSettings connection_;
     std::unique_ptr<DataStorages::StorageDatabase> database_;
-    String table_;
+    TableLoad load_;
+    TableLoad::Rules rules_;
+
+    InsertMode insert_mode_ = InsertMode::Literal;
+    std::size_t insert_rows_ = 1;
+    bool by_name_ = false;
+    bool table_per_result_set_ = false;
+    bool removed_count_ = true;  // a column that was removed counts where they are compared
     String delimiter_;
-    RowSet table_rows_;  // describes the table
-    String prefix_;      // of the insert statements; made with the first row
-    String statement_;   // reused
+
+    String table_;                      // as statements name it
+    std::map<String, String> origins_;  // by table_: the table of the source
+    RowSet table_rows_;                 // describes the table
+    bool begun_ = false;                // the rows of a result set
 };
 
 }  // namespace DataConsumers

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "consumers/document_form.h"
-#include "core/column_kind.h"
+#include "core/column_type.h"
 
 namespace DataConsumers {
 

@@ -5,7 +5,7 @@
 
 #include "base/notices.h"
 #include "consumers/escaping.h"
-#include "consumers/number_text.h"
+#include "files/number_text.h"
 #include "files/format.h"
 #include "files/text.h"
 

@@ -4,7 +4,7 @@
 
 #include "base/utf16.h"
 #include "consumers/cell_date.h"
-#include "consumers/number_text.h"
+#include "files/number_text.h"
 #include "files/format.h"
 #include "files/text.h"
 #include "files/unit_search.h"

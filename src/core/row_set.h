@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -37,6 +38,8 @@ struct ColumnDefinition {
     std::int32_t Length = 0;       // characters, or the precision of other types
     std::int32_t DisplaySize = 0;
     std::int32_t OctetLength = 0;
+    std::int32_t Digits = -1;    // behind the decimal point or of a second; -1: not told
+    bool Unsigned = false;       // of whole numbers
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters
 
     void RaiseMaxWidth(std::uint64_t width) {
@@ -53,6 +56,12 @@ struct DataValue {
 
 using DataRow = std::vector<DataValue>;
 
+// A column that a table is to have.
+struct TableColumn {
+    ColumnDefinition Column;
+    std::optional<String> Default;  // a number's or a text's value, without quotes
+};
+
 struct RowSet {
     String Label;  // a free slot
     String SchemaName;
@@ -60,6 +69,12 @@ struct RowSet {
     std::vector<ColumnDefinition> Columns;
     DataRow Row;  // never shortened by a fetch, so its texts keep their room
     std::unique_ptr<std::vector<RowSet>> Nested;
+    // Of the current row: its number in the source, from 1, and where in a file it began; 0: not
+    // known.
+    std::uint64_t Number = 0;
+    std::uint64_t Line = 0;
+    // What the current row says of a column, where a database's catalogue says it.
+    std::optional<TableColumn> Described;
     bool SkipRow = false;  // a transformer's wish: neither write nor count this row
 
     // Appends default values until there are at least `count`.

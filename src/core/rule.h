@@ -20,4 +20,6 @@ enum class Rule {
     LossesAreCounted,     // the statistics count records skipped and rows rejected
     DriversQuotes,        // names in queries stand between the quotes that the driver tells
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
+    MacroIsOneName,       // the value of a macro in the name of a table is one whole name
+    TargetsAreDescribed,  // a table that takes rows is described without reading it
 };

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+constexpr std::int32_t kSqlGuid = -11;
 constexpr std::int32_t kSqlWLongVarchar = -10;
 constexpr std::int32_t kSqlWVarchar = -9;
 constexpr std::int32_t kSqlWChar = -8;

@@ -54,6 +54,7 @@ void DataStep::ReadSettings() {
 // before it arrives first; where it does not, that is told as well.
 void DataStep::Report(String& error) {
     String loss;
+    if (target_ && at_work_.section == Section::Target) TakeFailedRow();
     if (target_) target_->WriteOut(loss);
     if (progress_line_) progress_line_->Clear();
     if (configuration_.Follows(Rule::PlacedMessages)) {
@@ -62,6 +63,14 @@ void DataStep::Report(String& error) {
     failure_ = error.empty() ? loss : error;
     ReportError(error, logger_, {});
     ReportError(loss, logger_, {});
+}
+
+// A target that gathers rows may fail for one that came before.
+void DataStep::TakeFailedRow() {
+    const std::optional<DataConsumers::RowOrigin> row = target_->FailedRow();
+    if (!row) return;
+    at_work_.row = row->number;
+    at_work_.line = row->line;
 }
 
 bool DataStep::Fail(String& error) {
@@ -236,7 +245,8 @@ bool DataStep::FetchRow(String& error) {
     error.clear();  // what an earlier call said is no part of this one
     if (!source_) return false;
     if (source_->Fetch(error, rows_, false)) {
-        ++rows_read_;
+        rows_.Number = ++rows_read_;
+        rows_.Line = source_->Line();
         return true;
     }
     at_work_ = {Section::Source, 0, rows_read_ + 1, source_->Line()};
@@ -340,8 +350,9 @@ bool DataStep::CloseAll(String& error) {
 void DataStep::Describe(StepReport& report) const {
     report.error = failure_;
     const std::uint64_t refused = target_ ? target_->Rejected() : 0;
-    report.rows_written = items_ - std::min(items_, refused);
-    report.rows_skipped = left_out_ + (source_ ? source_->Skipped() : 0);
+    const std::uint64_t skipped = target_ ? target_->Skipped() : 0;
+    report.rows_written = items_ - std::min(items_, refused + skipped);
+    report.rows_skipped = left_out_ + skipped + (source_ ? source_->Skipped() : 0);
     report.rows_rejected = refused + (source_ ? source_->Rejected() : 0);
     report.rows_read = report.rows_written + report.rows_skipped + report.rows_rejected;
     if (!target_) return;
@@ -364,7 +375,8 @@ void DataStep::WriteLosses() const {
     };
     const bool told = configuration_.Follows(Rule::LossesAreCounted);
     if (!told) return;
-    tell(source_ ? source_->Skipped() : 0, u"records skipped");
+    tell((source_ ? source_->Skipped() : 0) + (target_ ? target_->Skipped() : 0),
+         u"records skipped");
     tell((source_ ? source_->Rejected() : 0) + (target_ ? target_->Rejected() : 0),
          u"rows rejected");
     tell((source_ ? source_->ReplacedCharacters() : 0) +

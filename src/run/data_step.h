@@ -73,6 +73,7 @@ private:
 
     void Report(String& error);
     bool GoOnWithout(String& error);
+    void TakeFailedRow();
     bool Fail(String& error);
     void ShowProgress();
     void WriteLosses() const;

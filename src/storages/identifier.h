@@ -1,6 +1,8 @@
 // The names of tables and columns as statements write them.
 #pragma once
 
+#include <vector>
+
 #include "base/strings.h"
 
 namespace sql {
@@ -15,5 +17,17 @@ void AppendIdentifier(String& statement, StringView name, StringView quote = u"\
 
 // Appends a name between double quotes letter for letter: double quotes in it stay as they are.
 void AppendBetweenQuotes(String& statement, StringView name);
+
+// A table's name, from the outermost piece to the innermost: a catalogue, a schema, the table. The
+// pieces are plain names, without quotes.
+using TableName = std::vector<String>;
+
+// Divides a name at each full stop outside double quotes, brackets and backticks. The pieces keep
+// theirs.
+std::vector<StringView> PiecesOf(StringView name);
+
+// A piece without the double quotes, brackets or backticks around it; a closing one that stands
+// twice inside is one.
+String PlainName(StringView piece);
 
 }  // namespace sql

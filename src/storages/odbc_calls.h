@@ -49,6 +49,14 @@ inline bool SucceededOrNoData(SQLRETURN result) {
 // A text that the driver or its connection tells of itself; empty when it does not.
 String InfoText(void* connection, SQLUSMALLINT what);
 
+// The driver's last diagnostic of the lowest handle that is not null: message, SQLSTATE and native
+// error number, separated by commas.
+String Diagnostic(void* environment, void* connection, void* statement);
+
+// Prepares a statement.
+// narrow: the driver has no wide calls
+bool Prepare(void* statement, const String& text, bool narrow);
+
 bool IsAscii(StringView text);
 
 // True for a text that has to reach a driver without wide calls as UTF-8. unixODBC narrows the

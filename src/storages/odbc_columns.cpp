@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "core/column_type.h"
 #include "storages/odbc_calls.h"
 
 namespace DataStorages {
@@ -60,6 +61,21 @@ public:
         return known ? static_cast<std::int32_t>(value) : 0;
     }
 
+    // The digits behind the decimal point, or of a second. PostgreSQL's driver tells those of a
+    // second by another call only; SQLite's tells those of a decimal, which it has for a text, as
+    // the precision.
+    std::int32_t Digits(const ColumnDefinition& column) const {
+        if (IsQuotedType(column.ConciseType) && KindOf(column) == ColumnKind::Decimal) {
+            return Number(SQL_DESC_PRECISION);
+        }
+        const std::int32_t scale = Number(SQL_DESC_SCALE);
+        if (scale != 0) return scale;
+        SQLSMALLINT digits = 0;
+        const bool known = odbc::Succeeded(SQLDescribeColW(statement_, number_, nullptr, 0, nullptr,
+                                                           nullptr, nullptr, &digits, nullptr));
+        return known ? digits : -1;
+    }
+
     // The literal prefix or suffix. By the old call only: MariaDB's driver tells "0x" for some
     // types whose values it delivers as characters.
     String Literal(std::uint16_t field, std::int32_t type) const {
@@ -97,6 +113,8 @@ ColumnDefinition Describe(const DescribedColumn& described) {
     column.LiteralSuffix = described.Literal(SQL_DESC_LITERAL_SUFFIX, column.DataType);
     column.LocalTypeName = described.Text(SQL_DESC_LOCAL_TYPE_NAME);
     column.TypeName = described.Text(SQL_DESC_TYPE_NAME);
+    column.Unsigned = described.Number(SQL_DESC_UNSIGNED) == SQL_TRUE;
+    column.Digits = described.Digits(column);
     column.MaxWidth = column.Name.size();
     return column;
 }

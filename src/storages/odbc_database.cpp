@@ -7,15 +7,27 @@
 #include "platform/driver_library.h"
 #include "storages/odbc_calls.h"
 #include "storages/odbc_columns.h"
+#include "storages/odbc_insert.h"
 
 namespace DataStorages {
 namespace {
 
-constexpr std::size_t kMessageCharacters = 512;
-constexpr std::size_t kStateCharacters = 5;
-constexpr std::size_t kLastErrorCharacters = 543;
 constexpr std::size_t kConnectOutputCharacters = 388;
 constexpr std::int32_t kValueBufferBytes = 16'777'216;
+
+// How a database puts savepoints: as SQL:1999 does, or in its own way.
+struct SavepointWords {
+    const char16_t* set;
+    const char16_t* release;  // empty: the next one with the same name replaces it
+    const char16_t* roll_back;
+};
+
+SavepointWords SavepointWordsOf(StringView product) {
+    if (product.starts_with(u"Microsoft SQL Server")) {
+        return {u"save transaction quillon", u"", u"rollback transaction quillon"};
+    }
+    return {u"savepoint quillon", u"release savepoint quillon", u"rollback to savepoint quillon"};
+}
 
 }  // namespace
 
@@ -24,15 +36,7 @@ ODBCDatabase::ODBCDatabase() : value_buffer_(kValueBufferBytes) {}
 ODBCDatabase::~ODBCDatabase() { assert(!connection_); }
 
 void ODBCDatabase::StoreDiagnostic() {
-    std::array<char16_t, kMessageCharacters> message{};
-    std::array<char16_t, kStateCharacters + 1> state{};
-    SQLINTEGER native = 0;
-    SQLSMALLINT length = 0;
-    SQLErrorW(environment_.Get(), connection_.Get(), statement_.Get(), odbc::Wide(state.data()),
-              &native, odbc::Wide(message.data()), odbc::LengthOf(message), &length);
-    message.back() = state.back() = u'\0';
-    last_error_ = Format(u"%s,%s,%d", odbc::TextOf(message), odbc::TextOf(state), native);
-    if (last_error_.size() > kLastErrorCharacters) last_error_.resize(kLastErrorCharacters);
+    last_error_ = odbc::Diagnostic(environment_.Get(), connection_.Get(), statement_.Get());
 }
 
 // ---- Connecting ----
@@ -117,6 +121,9 @@ bool ODBCDatabase::CloseQuery() {
 
 bool ODBCDatabase::Close() {
     CloseQuery();
+    // A connection within a transaction does not close (ODBC reference, SQLDisconnect).
+    if (in_transactions_) SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), SQL_ROLLBACK);
+    in_transactions_ = false;
     if (connection_) SQLDisconnect(connection_.Get());
     connection_.Reset();
     connected_ = false;
@@ -157,14 +164,6 @@ bool ODBCDatabase::Execute(const String& statement) {
     return odbc::SucceededOrNoData(SQLExecDirect(statement_.Get(), odbc::Bytes(bytes), SQL_NTS));
 }
 
-bool ODBCDatabase::Prepare(const String& statement) {
-    if (!narrow_driver_ || !odbc::SpoiltByNarrowing(statement)) {
-        return odbc::Succeeded(SQLPrepareW(statement_.Get(), odbc::Wide(statement), SQL_NTS));
-    }
-    std::string bytes = ToUtf8(statement);
-    return odbc::Succeeded(SQLPrepare(statement_.Get(), odbc::Bytes(bytes), SQL_NTS));
-}
-
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
     query_active_ = false;
@@ -181,7 +180,7 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
 
 bool ODBCDatabase::Describe(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
-    if (!Prepare(statement)) {
+    if (!odbc::Prepare(statement_.Get(), statement, narrow_driver_)) {
         StoreDiagnostic();
         error = u"ODBCDatabase::Query execution error: " + last_error_;
         return false;
@@ -252,6 +251,71 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
     reader_.reset();
     DescribeResult(rows);
     return true;
+}
+
+// ---- Writing ----
+
+String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
+
+bool ODBCDatabase::KnowsTransactions() const {
+    SQLUSMALLINT capable = SQL_TC_NONE;
+    SQLGetInfoW(connection_.Get(), SQL_TXN_CAPABLE, &capable, sizeof capable, nullptr);
+    return capable != SQL_TC_NONE;
+}
+
+bool ODBCDatabase::BeginTransactions(String& error) {
+    CloseQuery();
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
+    auto* const off = reinterpret_cast<SQLPOINTER>(std::uintptr_t{SQL_AUTOCOMMIT_OFF});
+    in_transactions_ = odbc::Succeeded(
+        SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_AUTOCOMMIT, off, SQL_IS_UINTEGER));
+    if (in_transactions_) return true;
+    StoreDiagnostic();
+    error = last_error_;
+    return false;
+}
+
+bool ODBCDatabase::EndTransaction(String& error, std::int16_t how) {
+    CloseQuery();
+    if (odbc::Succeeded(SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), how))) return true;
+    StoreDiagnostic();
+    error = last_error_;
+    return false;
+}
+
+bool ODBCDatabase::Commit(String& error) { return EndTransaction(error, SQL_COMMIT); }
+bool ODBCDatabase::Rollback(String& error) { return EndTransaction(error, SQL_ROLLBACK); }
+
+bool ODBCDatabase::SetSavepoint(String& error) {
+    return ExecNonQuery(error, SavepointWordsOf(Product()).set);
+}
+
+bool ODBCDatabase::ReleaseSavepoint(String& error) {
+    const String release = SavepointWordsOf(Product()).release;
+    return release.empty() || ExecNonQuery(error, release);
+}
+
+bool ODBCDatabase::RollbackToSavepoint(String& error) {
+    return ExecNonQuery(error, SavepointWordsOf(Product()).roll_back) && ReleaseSavepoint(error);
+}
+
+bool ODBCDatabase::CharactersAreUtf8(StringView query) {
+    if (query.empty()) return false;
+    RowSet rows;
+    String ignored;
+    const bool told = Query(ignored, String(query), rows) && Fetch(ignored, rows, false);
+    CloseQuery();
+    return told && rows.Row.front().Text.starts_with(u"utf8");
+}
+
+std::unique_ptr<RowSender> ODBCDatabase::MakeSender(const InsertTarget& target) {
+    const InsertHabits& habits =
+        HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+    const ODBCInsert::Session session{.environment = environment_.Get(),
+                                      .connection = connection_.Get(),
+                                      .narrow = narrow_driver_,
+                                      .utf8 = CharactersAreUtf8(habits.charset_query)};
+    return std::make_unique<ODBCInsert>(target, habits, session);
 }
 
 // ---- Catalogue ----

@@ -78,6 +78,17 @@ public:
     bool ReadingFailed() const override { return reading_failed_; }
     String IdentifierQuote() const override;
 
+    String Product() const override;
+    bool KnowsTransactions() const override;
+    // These fail with the driver's diagnostic, or with what ExecNonQuery says.
+    bool BeginTransactions(String& error) override;
+    bool Commit(String& error) override;
+    bool Rollback(String& error) override;
+    bool SetSavepoint(String& error) override;
+    bool ReleaseSavepoint(String& error) override;
+    bool RollbackToSavepoint(String& error) override;
+    std::unique_ptr<RowSender> MakeSender(const InsertTarget& target) override;
+
 private:
     bool Connect(String& error, const String& source, const String& login, const String& password);
     bool ConnectByString(const String& connect_string, bool narrow);
@@ -86,13 +97,15 @@ private:
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
     bool Execute(const String& statement);
-    bool Prepare(const String& statement);
     void DescribeResult(RowSet& rows);
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();
+    bool EndTransaction(String& error, std::int16_t how);
+    bool CharactersAreUtf8(StringView query);
 
     bool connected_ = false;
+    bool in_transactions_ = false;
     bool narrow_driver_ = false;  // without wide calls
     bool query_active_ = false;
     bool reading_failed_ = false;

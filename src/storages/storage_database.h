@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "base/strings.h"
 #include "core/row_set.h"
+#include "storages/row_sender.h"
 #include "storages/storage.h"
 
 namespace DataStorages {
@@ -73,6 +75,23 @@ public:
     virtual const String& LastError() const = 0;
     // True when the last Fetch or HasMoreData met a failure that it took for the end of the data.
     virtual bool ReadingFailed() const = 0;
+    // ---- Writing ----
+
+    // Which database it is, as it calls itself: "PostgreSQL".
+    virtual String Product() const = 0;
+    virtual bool KnowsTransactions() const = 0;
+    // From now on all that is executed belongs to a transaction, until Commit or Rollback end it
+    // and begin the next one. Without it each statement is one.
+    virtual bool BeginTransactions(String& error) = 0;
+    virtual bool Commit(String& error) = 0;
+    virtual bool Rollback(String& error) = 0;
+    // Marks a place in the transaction, takes the mark away, or goes back to it and takes it away.
+    virtual bool SetSavepoint(String& error) = 0;
+    virtual bool ReleaseSavepoint(String& error) = 0;
+    virtual bool RollbackToSavepoint(String& error) = 0;
+    // What sends rows as parameters. It goes before the connection is closed.
+    virtual std::unique_ptr<RowSender> MakeSender(const InsertTarget& target) = 0;
+
     // What the connected database has around the names of tables and columns (SQL, delimited
     // identifiers); empty where it takes no quotes.
     virtual String IdentifierQuote() const = 0;

@@ -1,4 +1,4 @@
-#include "consumers/number_text.h"
+#include "files/number_text.h"
 
 #include <algorithm>
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+
+#include "base/strings.h"
+
+namespace DataStorages {
+
+// How rows reach a database fastest, and whole, through its driver.
+struct InsertHabits {
+    StringView product;               // what the name of the database begins with (SQL_DBMS_NAME)
+    StringView driver;                // what the file name of the driver holds; empty: any
+    std::size_t rows = 1;             // a statement
+    std::size_t most_parameters = 0;  // a statement
+    // Rows are sets of parameters of a statement for one row (ODBC reference, "Arrays of Parameter
+    // Values"); else the statement has as many rows.
+    bool sets = false;
+    // Tells the session's character set. Where that is UTF-8, values travel as UTF-8, else, and
+    // where there is no such query, as UTF-16.
+    StringView charset_query;
+    // Values of all types but binary ones travel as texts whose type the server finds; else with
+    // the type of their column.
+    bool texts = false;
+    // BIT takes the number 0 or 1; a text is taken for the bits themselves.
+    bool bits = false;
+};
+
+// What holds for a database; one that is not known gets sets of parameters with the columns' types.
+const InsertHabits& HabitsOf(StringView product, StringView driver);
+
+}  // namespace DataStorages
