@@ -75,4 +75,5 @@ echo "$again"
 rmdir parts/2.csv
 sbatch --wait --array=2 slurm.sh
 diff <(grep -v '^parts/2.csv ' <<<"$before") <(stat -c '%n %i %y' parts/*.csv | grep -v '^parts/2.csv ')
-./join.sh
+joined=$(./join.sh)
+echo "$parts parts, part 2 failed and ran again alone; $joined"

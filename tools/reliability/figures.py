@@ -19,7 +19,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-FIGURE = re.compile(r"<!-- run: (.+) -->\n(.*?)<!-- end -->\n", re.DOTALL)
+FIGURE = re.compile(r"<!-- run: ([^\n]+) -->\n(.*?)<!-- end -->\n", re.DOTALL)
 
 
 def say(*arguments):
