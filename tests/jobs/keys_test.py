@@ -2,6 +2,7 @@
 """What the program makes of its tables of keys: the committed page and completion scripts are
 what it prints, and no good job raises a finding."""
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -19,6 +20,8 @@ GOOD = ("database-content", "database-metadata", "edition2-job-file", "html", "j
 # What their comments say to give along, beside what "args" holds.
 QUICK = ("-Type=DatabaseQueryToTextFile", "-DSN=sales", "-Query=select 1", "-Output=o")
 GIVEN = {"nightly-files": ("$HOST$=localhost", "$PORT$=80", "$DATE$=day", "$OLD$=day"),
+         "plan": ("$SALES_DB$=DSN=sales", "$PARTS$=4"),
+         "part": ("$SALES_DB$=DSN=sales", "$PART$=1", "$LOW$=1", "$HIGH$=2"),
          "copy-to-sqlite": ("$SALES_DB$=DSN=sales",),
          "quick": QUICK}
 
@@ -29,6 +32,14 @@ class Keys(Scene):
                            ("powershell", "completion/quillon.ps1")):
             with self.subTest(path):
                 self.assert_ends(run(self.path, f"-help={word}"), 0, (ROOT / path).read_bytes())
+
+    def test_every_key_stands_in_the_manual_page(self):
+        page = run(self.path, "-help=man").output.decode().replace("\\-", "-")
+        keys = set(re.findall(r"^\| `(\S+)` ", (ROOT / "docs/keys.md").read_text(), re.MULTILINE))
+        self.assertEqual(keys, set(re.findall(r"^\.TP\n\\fB(\S+?)\\fR", page, re.MULTILINE)))
+        # A line that a value begins with a control character would be taken for a request.
+        requests = set(re.findall(r"^['.]\S*", page, re.MULTILINE))
+        self.assertLessEqual(requests, {".TH", ".SH", ".SS", ".TP", ".B", ".br"})
 
     def test_good_jobs_raise_no_finding(self):
         jobs = list((ROOT / "examples").glob("*/*.qpr")) + [
