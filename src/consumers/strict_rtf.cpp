@@ -23,8 +23,10 @@ constexpr StringView kDocumentHead =
     u"{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\n"
     u"{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}}\n"
     u"{\\colortbl;\\red192\\green192\\blue192;}\n";
+// Without \dntblnsbdb LibreOffice mixes other kinds of blanks into several blanks.
 constexpr StringView kPage =
-    u"\\paperw11906\\paperh16838\\margl1134\\margr1134\\margt1134\\margb1134\n\\f0\\fs20\n";
+    u"\\paperw11906\\paperh16838\\margl1134\\margr1134\\margt1134\\margb1134\\dntblnsbdb\n"
+    u"\\f0\\fs20\n";
 constexpr StringView kCellBorders =
     u"\\clbrdrt\\brdrs\\brdrw10\\clbrdrl\\brdrs\\brdrw10\\clbrdrb\\brdrs\\brdrw10"
     u"\\clbrdrr\\brdrs\\brdrw10";
