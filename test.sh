@@ -62,6 +62,14 @@ start_wine() {
     wineserver -p && wineboot -i && wine cmd /c exit
 } >/dev/null 2>&1
 
+# The packages of the last commit, built twice: the second time from another folder, and without a
+# cache of compiled files.
+build_packages() {
+    packaging/build.sh "${package_options[@]}" build/packages &&
+        CCACHE_DISABLE=1 packaging/build.sh "${package_options[@]}" build/packages-again &&
+        cmp build/packages/SHA256SUMS build/packages-again/SHA256SUMS
+}
+
 stop_servers() {
     tests/servers/postgres.sh stop "$postgres_folder" >/dev/null 2>&1
     tests/servers/mariadb.sh stop "$mariadb_folder" >/dev/null 2>&1
@@ -70,8 +78,13 @@ stop_servers() {
 }
 
 packages=("${program_packages[@]}" libgtest-dev googletest libbenchmark-dev python3 strace
-    jq libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format clang-tidy)
-$windows && packages+=(g++-mingw-w64-x86-64-posix wine wine64)
+    jq parallel libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format
+    clang-tidy debhelper lintian debootstrap)
+package_options=(--native)
+if $windows; then
+    packages+=(g++-mingw-w64-x86-64-posix wine wine64 zip unzip)
+    package_options=()
+fi
 install_packages "${packages[@]}" || { echo "0 passed, 1 failed"; exit 1; }
 
 mkdir -p build
@@ -90,6 +103,16 @@ run_tests linux-asan
 if $windows; then
     check "start Wine" start_wine
     run_tests windows
+fi
+
+check "packages: the same bytes from two folders" build_packages
+check "packages: lintian" packaging/check.sh build/packages lintian
+check "packages: the unpacked program" packaging/check.sh build/packages linux
+$windows && check "packages: the unzipped program" packaging/check.sh build/packages windows
+if [ "$(id -u)" -eq 0 ]; then
+    check "packages: a fresh Debian" packaging/check.sh build/packages debian
+else
+    echo "SKIPPED: a fresh Debian needs root"
 fi
 
 echo "$passed passed, $failed failed"

@@ -4,7 +4,7 @@ Register-ArgumentCompleter -Native -CommandName quillon -ScriptBlock {
     $all = @(
         '-config=',
         '-silent',
-        '-Q=',
+        '-Q',
         '-Log=',
         '-Edition=',
         '-help=',

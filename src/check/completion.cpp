@@ -38,6 +38,16 @@ String Candidates(StringView quote, StringView separator) {
     return all;
 }
 
+// The switches that take the name of a file, as bash matches them: "-Log=* | -Output=*".
+String FilePatterns() {
+    String patterns;
+    for (const KeySpec& key : kSwitches) {
+        if (key.names != Names::File && key.names != Names::FileRead) continue;
+        patterns += Format(u"%s%s=*", patterns.empty() ? u"" : u" | ", key.name);
+    }
+    return patterns;
+}
+
 }  // namespace
 
 String BashCompletion() {
@@ -46,7 +56,9 @@ String BashCompletion() {
            u"    local word=${COMP_LINE:0:COMP_POINT}\n"
            u"    word=${word##* }\n"
            u"    case $word in\n"
-           u"        -config=* | -Log=* | -LogName=* | -Script=* | -Output=*)\n"
+           u"        " +
+           FilePatterns() +
+           u")\n"
            u"            mapfile -t COMPREPLY < <(compgen -f -- \"${word#*=}\")\n"
            u"            return ;;\n"
            u"    esac\n"

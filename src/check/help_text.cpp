@@ -5,6 +5,7 @@
 #include "check/completion.h"
 #include "check/key_catalogue.h"
 #include "check/key_page.h"
+#include "check/man_page.h"
 #include "check/nearest_name.h"
 #include "config/switches.h"
 #include "files/format.h"
@@ -30,16 +31,7 @@ constexpr Section kSections[] = {Section::Globals, Section::Settings,  Section::
 
 void AppendKey(String& help, const KeySpec& key) {
     help += Format(u"  %s  (%s)\n      %s\n", key.name, ShownValues(key), key.meaning);
-    const auto add_default = [&](StringView label, StringView value) {
-        const String shown = ShownDefault(key, value, {});
-        if (!shown.empty()) help += Format(u"      %s: %s\n", label, shown);
-    };
-    if (key.edition1 == key.edition2 || !key.defaults.empty()) {
-        add_default(u"default", key.edition1);
-    } else {
-        add_default(u"default of edition 1", key.edition1);
-        add_default(u"default of edition 2", key.edition2);
-    }
+    for (const String& line : ShownDefaults(key)) help += Format(u"      %s\n", line);
 }
 
 void AppendOwner(String& help, const KeyOwner& owner) {
@@ -80,6 +72,7 @@ String Usage() {
 String HelpOn(StringView word) {
     if (word.empty() || word == u"1") return Usage();
     if (text::EqualsIgnoringCase(word, u"keys")) return KeyPage();
+    if (text::EqualsIgnoringCase(word, u"man")) return ManPage();
     if (text::EqualsIgnoringCase(word, u"bash")) return BashCompletion();
     if (text::EqualsIgnoringCase(word, u"powershell")) return PowerShellCompletion();
     String help;
@@ -94,6 +87,7 @@ String HelpOn(StringView word) {
 StringView NearestHelpWord(StringView word) {
     std::vector<StringView> words = {u"keys"};
     for (const KeyOwner& owner : KeyOwners()) {
+        if (owner.section == Section::CommandLine) continue;
         if (!owner.word.empty()) words.push_back(owner.word);
         words.push_back(NameOf(owner.section));
     }

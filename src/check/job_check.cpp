@@ -1,6 +1,7 @@
 #include "check/job_check.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "check/key_catalogue.h"
@@ -112,13 +113,26 @@ private:
 
     void CheckRepetitions() {
         for (const Job::Repetition& one : configuration_.TheJob().repetitions) {
-            Add(one.again, refuses_unknown_,
-                Format(u"'%s' stands twice; line %u has it already.", one.name, one.first.line));
+            Add(one.again, refuses_unknown_ || IsOfEdition(one),
+                Format(u"'%s' stands twice; %s has it already.", one.name, FirstPlace(one)));
         }
         for (const Job::Repetition& one : configuration_.TheJob().idle_sections) {
             Add(one.again, refuses_unknown_,
                 Format(u"The section '%s' has no effect among the Globals.", one.name));
         }
+    }
+
+    // The edition of a job that names two is anybody's guess.
+    bool IsOfEdition(const Job::Repetition& one) const {
+        const Element* edition = configuration_.Globals().Find(kEdition->name);
+        return edition != nullptr && one.name == edition->name &&
+               one.again.file == edition->place.file && one.again.line == edition->place.line;
+    }
+
+    // Where it stands first, with the file unless that is the same.
+    String FirstPlace(const Job::Repetition& one) const {
+        if (one.first.file == one.again.file) return Format(u"line %u", one.first.line);
+        return Format(u"%s:%u", configuration_.TheJob().files[one.first.file], one.first.line);
     }
 
     void CheckGlobals() {
@@ -308,6 +322,26 @@ private:
         CheckValue(key, *element);
         if (configuration_.ReplacesMacros(key)) CheckMacros(section, key, *element);
         CheckPath(section, owner, key, *element, index);
+        if (key.names == Names::FileAside) CheckAside(section, owner, key, *element);
+    }
+
+    // Two that set rows aside in one file would replace each other's.
+    void CheckAside(Section section, const KeyOwner& owner, const KeySpec& key,
+                    const Element& element) {
+        const String path = ValueOf(key, element);
+        if (!SetsAside(section, owner) || !FindMacro(path).empty()) return;
+        const String whose =
+            Format(u"the %s of step %u", NameOf(section), configuration_.CurrentStep() + 1);
+        const auto [first, is_new] = aside_.emplace(path, whose);
+        if (is_new) return;
+        Add(element.place, configuration_.Follows(Rule::FilesMadeOnce),
+            Format(u"The %s '%s' is that of %s, too.", key.name, path, first->second));
+    }
+
+    bool SetsAside(Section section, const KeyOwner& owner) const {
+        const KeySpec* key = FindKey(owner.keys, u"OnBadRow");
+        const Element* element = key == nullptr ? nullptr : configuration_.Find(section, *key);
+        return element != nullptr && text::EqualsIgnoringCase(ValueOf(*key, *element), u"Reject");
     }
 
     String ValueOf(const KeySpec& key, const Element& element) const {
@@ -434,6 +468,7 @@ private:
     const KeyOwner* source_ = nullptr;
     const KeyOwner* target_ = nullptr;
     MadePaths made_;
+    std::map<String, String> aside_;  // files of rows set aside, and whose they are
     std::vector<Finding> findings_;
 };
 

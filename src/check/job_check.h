@@ -24,11 +24,12 @@ enum class CheckDepth {
 //
 // "'%s' is not a key of %s. Did you mean '%s'?"
 // "'%s' is not a key of %s. It is a key of %s."
-// "'%s' stands twice; line %u has it already."
+// "'%s' stands twice; line %u has it already."; "common.inc:%u" where that is another file
 // "'%s' is no value of '%s'. It takes %s."
 // "Incorrect type for source '%s'." and what the factories say besides
 // "The macro '%s' in '%s' is not known."
 // "'%s' is missing in %s."
+// "The RejectFile '%s' is that of the %s of step %u, too."
 // "There is no file '%s', which '%s' names." and the like
 std::vector<Finding> CheckJob(Configuration& configuration, CheckDepth depth);
 

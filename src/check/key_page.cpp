@@ -84,25 +84,45 @@ String ShownDefault(const KeySpec& key, StringView value, StringView quote) {
     return value.empty() ? String() : Format(u"%s%s%s", quote, value, quote);
 }
 
-// Kinds with the same keys, two words for one thing, share a table.
+std::vector<String> ShownDefaults(const KeySpec& key) {
+    std::vector<String> lines;
+    const auto add = [&](StringView label, StringView value) {
+        const String shown = ShownDefault(key, value, {});
+        if (!shown.empty()) lines.push_back(Format(u"%s: %s", label, shown));
+    };
+    if (key.edition1 == key.edition2 || !key.defaults.empty()) {
+        add(u"default", key.edition1);
+    } else {
+        add(u"default of edition 1", key.edition1);
+        add(u"default of edition 2", key.edition2);
+    }
+    return lines;
+}
+
+std::vector<KeyGroup> KeyGroups() {
+    std::vector<KeyGroup> groups;
+    const KeyOwner* before = nullptr;
+    for (const KeyOwner& owner : KeyOwners()) {
+        if (owner.section == Section::CommandLine) continue;
+        if (before && HaveSameKeys(*before, owner)) {
+            groups.back().heading += Format(u", %s", owner.word);
+        } else {
+            groups.push_back({NameOf(owner), owner.keys});
+        }
+        before = &owner;
+    }
+    return groups;
+}
+
 String KeyPage() {
     String page(kHead);
-    const std::vector<KeyOwner>& owners = KeyOwners();
-    for (std::size_t i = 0; i < owners.size(); ++i) {
-        const KeyOwner& owner = owners[i];
-        if (owner.section == Section::CommandLine) {
-            page += u"\n## Switches of the command line\n\n| Switch | Meaning |\n|---|---|\n";
-            for (const KeySpec& key : kSwitches) {
-                page += Format(u"| `%s` | %s |\n", key.name, Cell(key.meaning));
-            }
-            continue;
-        }
-        page += Format(u"\n## %s", NameOf(owner));
-        for (; i + 1 < owners.size() && HaveSameKeys(owner, owners[i + 1]); ++i) {
-            page += Format(u", %s", owners[i + 1].word);
-        }
-        page += u"\n\n";
-        AppendTable(page, owner.keys);
+    for (const KeyGroup& group : KeyGroups()) {
+        page += Format(u"\n## %s\n\n", group.heading);
+        AppendTable(page, group.keys);
+    }
+    page += u"\n## Switches of the command line\n\n| Switch | Meaning |\n|---|---|\n";
+    for (const KeySpec& key : kSwitches) {
+        page += Format(u"| `%s` | %s |\n", key.name, Cell(key.meaning));
     }
     return page;
 }

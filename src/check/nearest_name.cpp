@@ -40,15 +40,24 @@ std::size_t Distance(StringView left, StringView right) {
     return last.back();
 }
 
+// How many letters the longer one has; the "-" that all switches begin with is none.
+std::size_t LettersOf(StringView left, StringView right) {
+    const bool switches = left.starts_with(u'-') && right.starts_with(u'-');
+    return std::max(left.size(), right.size()) - (switches ? 1 : 0);
+}
+
 }  // namespace
 
+// At most a third of the letters may be wrong, or one; but never all of them.
 StringView NearestName(StringView name, const std::vector<StringView>& candidates) {
     StringView nearest;
     std::size_t least = std::numeric_limits<std::size_t>::max();
     for (const StringView candidate : candidates) {
         const std::size_t distance = Distance(name, candidate);
-        const std::size_t most = std::max(name.size(), candidate.size()) * kLetter / 3;
-        if (distance > std::max(most, kLetter) || distance >= least) continue;
+        const std::size_t letters = LettersOf(name, candidate) * kLetter;
+        const std::size_t most =
+            std::max(std::max(name.size(), candidate.size()) * kLetter / 3, kLetter);
+        if (distance > most || distance >= letters || distance >= least) continue;
         least = distance;
         nearest = candidate;
     }

@@ -94,19 +94,22 @@ void Configuration::SetCurrentStep(std::size_t index) {
 
 // ---- Looking up ----
 
-const ParameterSet::Element* Configuration::FindNamed(Section section, StringView name) const {
+const ParameterSet::Element* Configuration::FindNamed(Section section, StringView name,
+                                                      Fallback fallback) const {
     if (section == Section::CommandLine) return command_line_.Find(name);
     if (section != Section::Globals) {
         if (current_step_ >= job_.steps.size()) return nullptr;
         const ParameterSet* own = job_.steps[current_step_]->Find(section, current_transform_);
         const ParameterSet::Element* element = own != nullptr ? own->Find(name) : nullptr;
-        if (element != nullptr) return element;
+        if (element != nullptr || fallback == Fallback::None) return element;
     }
     return job_.globals.Find(name);
 }
 
 const ParameterSet::Element* Configuration::Find(Section section, const KeySpec& key) const {
-    return Knows(key) ? FindNamed(section, key.name) : nullptr;
+    if (!Knows(key)) return nullptr;
+    return FindNamed(section, key.name,
+                     key.own && IsStrict(key) ? Fallback::None : Fallback::Globals);
 }
 
 bool Configuration::Knows(const KeySpec& key) const {

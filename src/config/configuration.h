@@ -60,7 +60,8 @@ public:
 
     // The value of a key in a section of the current step: the section's own, then that of Globals,
     // then the default of the edition. Keys of the command line and of Globals are looked for there
-    // alone. One pair of quotes goes; macros are replaced where the key says so.
+    // alone, and so are, in edition 2, keys whose names mean something else elsewhere. One pair of
+    // quotes goes; macros are replaced where the key says so.
     String Text(Section section, Key key) const;
     // The same with the macros left in it.
     String Unresolved(Section section, Key key) const;
@@ -120,7 +121,9 @@ public:
     void SetCurrentTransform(std::size_t index) { current_transform_ = index; }
 
 private:
-    const ParameterSet::Element* FindNamed(Section section, StringView name) const;
+    enum class Fallback { None, Globals };
+    const ParameterSet::Element* FindNamed(Section section, StringView name,
+                                           Fallback fallback = Fallback::Globals) const;
     bool SettleFrom(String& error, const ParameterSet& globals);
 
     const platform::Clock& clock_;

@@ -127,7 +127,7 @@ private:
             error = Format(u"@include statement. '%s' file is not accessible.", name);
             return false;
         }
-        if (std::find(open_.begin(), open_.end(), name) != open_.end()) {
+        if (IsOpen(name)) {
             error = Format(u"@include statement. '%s' includes itself: %s.", name,
                            ChainOf(open_, name));
             return false;
@@ -138,6 +138,14 @@ private:
             return false;
         }
         return Load(error, name);
+    }
+
+    // A file may be named in many ways; the system knows that they are one.
+    bool IsOpen(const String& name) const {
+        const auto identity = platform::IdentityOf(name);
+        return std::any_of(open_.begin(), open_.end(), [&](const String& one) {
+            return one == name || (identity && platform::IdentityOf(one) == identity);
+        });
     }
 
     // Puts the innermost place before an error, once.

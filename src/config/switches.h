@@ -4,13 +4,15 @@
 #include "core/key.h"
 
 inline constexpr KeyTable kSwitches({
-    {.name = u"-config", .meaning = u"the job file; default: quillon.qpr beside the program"},
+    {.name = u"-config",
+     .meaning = u"the job file; default: quillon.qpr beside the program",
+     .names = Names::FileRead},
     {.name = u"-silent",
      .kind = KeyKind::Flag,
      .edition1 = u"0",
      .edition2 = u"0",
      .meaning = u"no banner, statistics and progress"},
-    {.name = u"-Q", .meaning = u"list the job before it runs"},
+    {.name = u"-Q", .kind = KeyKind::Flag, .meaning = u"list the job before it runs"},
     {.name = u"-Log", .meaning = u"the log file of all steps", .names = Names::File},
     {.name = u"-Edition",
      .kind = KeyKind::Number,
@@ -63,3 +65,4 @@ inline constexpr Key kOnlySwitch = kSwitches[u"-only"];
 inline constexpr Key kFromSwitch = kSwitches[u"-from"];
 inline constexpr Key kReportSwitch = kSwitches[u"-report"];
 inline constexpr Key kTypeSwitch = kSwitches[u"-Type"];
+inline constexpr Key kOutputSwitch = kSwitches[u"-Output"];

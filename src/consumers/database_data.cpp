@@ -174,11 +174,17 @@ bool DatabaseData::FindTable(String& error) {
     NameTable();
     is_missing_ = false;
     if (!create_table_) return DescribeTable(error);
-    const bool comes_back = load_.InTransaction();
-    if (comes_back && !database_->SetSavepoint(error)) return false;
+    if (!load_.MarkPlace(error)) return false;
     String ignored;
     is_missing_ = !DescribeTable(ignored);
-    return !comes_back || database_->RollbackToSavepoint(error);
+    return load_.ComeBack(error);
+}
+
+// Leaving the place tells that something has happened in the transaction.
+bool DatabaseData::MakeTable(String& error, const RowSet& rows) {
+    is_missing_ = false;
+    return load_.MarkPlace(error) && maker_->Make(error, name_, rows) && load_.LeavePlace(error) &&
+           DescribeTable(error);
 }
 
 bool DatabaseData::DescribeTable(String& error) {
@@ -249,8 +255,7 @@ String DatabaseData::InsertHead(const Columns& columns) const {
 
 bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
     if (!NoteOrigin(error, rows)) return false;
-    if (is_missing_ && !(maker_->Make(error, name_, rows) && DescribeTable(error))) return false;
-    is_missing_ = false;
+    if (is_missing_ && !MakeTable(error, rows)) return false;
     DataStorages::InsertTarget target;
     target.columns = table_rows_.Columns;
     if (by_name_ &&

@@ -60,6 +60,7 @@ private:
     void ChooseDialect(sql::Dialect dialect);
     void NameTable();
     bool FindTable(String& error);
+    bool MakeTable(String& error, const RowSet& rows);
     bool DescribeTable(String& error);
     bool BeginRows(String& error, const RowSet& rows);
     bool NoteOrigin(String& error, const RowSet& rows);

@@ -142,7 +142,8 @@ bool FileTarget::WriteOut(String& error) {
 bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     const String name = settings.Text(kName);
     sink_.reset();  // it may be the same file
-    goes_on_ = append_ && platform::PathExists(name);
+    // A file that has the name of standard output is not what goes on.
+    goes_on_ = append_ && platform::PathExists(name) && !(any_console_word_ && IsConsole(name));
     if (IsConsole(name)) {
         TextForm form = form_;
         form.marked = std::exchange(marks_console_, false);  // once, whatever begins behind it
@@ -185,8 +186,10 @@ bool FileTarget::RefuseInput(String& error, const String& name) const {
     return true;
 }
 
-bool FileTarget::OwnsStandardOutput(const SectionSettings& settings) {
-    return settings.Follows(Rule::ConsoleIsForAll) && IsConsoleWord(settings.Text(kName));
+bool FileTarget::OwnsStandardOutput(const SectionSettings& settings, String other_name) {
+    if (!settings.Follows(Rule::ConsoleIsForAll)) return false;
+    settings.ResolveAllMacros(other_name);
+    return IsConsoleWord(other_name.empty() ? settings.Text(kName) : other_name);
 }
 
 // What comes after what did not arrive must not be written.

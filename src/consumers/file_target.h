@@ -38,7 +38,8 @@ public:
 
     // Whether a section names standard output for its file. Every file target takes it by the same
     // words then, byte for byte, and nothing else may mix into it.
-    static bool OwnsStandardOutput(const SectionSettings& settings);
+    // other_name: will take the place of the section's, macros still in it; empty for none
+    static bool OwnsStandardOutput(const SectionSettings& settings, String other_name);
 
     bool Open(String& error, const SectionSettings& settings) override;
     bool NextResultSet(String& error, const SectionSettings& settings) override;

@@ -23,8 +23,10 @@ constexpr StringView kDocumentHead =
     u"{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\n"
     u"{\\fonttbl{\\f0\\fswiss\\fcharset0 Arial;}}\n"
     u"{\\colortbl;\\red192\\green192\\blue192;}\n";
+// Without \dntblnsbdb LibreOffice mixes other kinds of blanks into several blanks.
 constexpr StringView kPage =
-    u"\\paperw11906\\paperh16838\\margl1134\\margr1134\\margt1134\\margb1134\n\\f0\\fs20\n";
+    u"\\paperw11906\\paperh16838\\margl1134\\margr1134\\margt1134\\margb1134\\dntblnsbdb\n"
+    u"\\f0\\fs20\n";
 constexpr StringView kCellBorders =
     u"\\clbrdrt\\brdrs\\brdrw10\\clbrdrl\\brdrs\\brdrw10\\clbrdrb\\brdrs\\brdrw10"
     u"\\clbrdrr\\brdrs\\brdrw10";
@@ -38,12 +40,15 @@ void AppendUnit(String& out, char16_t unit) {
     out += Format(u"\\u%d\\'3f", static_cast<std::int16_t>(unit));
 }
 
-// The longest line of a text.
+// The longest line of a text, tabs at their full width.
 std::size_t WidthOf(StringView text) {
+    constexpr std::size_t kTabCharacters = 6;  // of half an inch
     std::size_t widest = 0;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find_first_of(u"\r\n"), text.size());
-        widest = std::max(widest, end);
+        const StringView line = text.substr(0, end);
+        const auto tabs = static_cast<std::size_t>(std::count(line.begin(), line.end(), u'\t'));
+        widest = std::max(widest, end + tabs * (kTabCharacters - 1));
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return widest;

@@ -8,6 +8,7 @@ bool TableLoad::Open(String& error, DataStorages::StorageDatabase& database, con
     database_ = &database;
     rules_ = rules;
     inserted_ = skipped_ = in_transaction_ = 0;
+    is_untouched_ = true;
     failed_row_.reset();
     rejects_.Use(rules.reject_file, rules.most_rejects);
     record_writer_.reset();
@@ -64,24 +65,55 @@ bool TableLoad::Send(String& error) {
     return SendGathered(error);
 }
 
-// A single row needs no mark in front of it where its failure ends the step.
+// ---- Places to come back to ----
+
+// A transaction in which nothing has happened is taken back as a whole: PostgreSQL's driver does so
+// by itself when its first statement fails, savepoint or not.
+bool TableLoad::MarkPlace(String& error) {
+    return !InTransaction() || is_untouched_ || database_->SetSavepoint(error);
+}
+
+bool TableLoad::LeavePlace(String& error) {
+    if (!InTransaction()) return true;
+    return std::exchange(is_untouched_, false) || database_->ReleaseSavepoint(error);
+}
+
+bool TableLoad::ComeBack(String& error) {
+    if (!InTransaction()) return true;
+    if (!is_untouched_) return database_->RollbackToSavepoint(error);
+    const bool back = database_->Rollback(error);
+    if (sender_) sender_->TransactionEnded();
+    return back;
+}
+
+// ---- Sending ----
+
+// A single row needs no place to come back to where its failure ends the step.
 bool TableLoad::SendGathered(String& error) {
     if (!sender_ || sender_->Count() == 0) return true;
     const std::size_t rows = sender_->Count();
-    const bool comes_back = InTransaction() && (rows > 1 || rules_.bad_row != BadRow::Stop);
-    if (comes_back && !database_->SetSavepoint(error)) return false;
+    const bool comes_back = rows > 1 || rules_.bad_row != BadRow::Stop;
+    if (comes_back && !MarkPlace(error)) return false;
     bool sent = sender_->Send(error);
     if (sent) {
-        sent = (!comes_back || database_->ReleaseSavepoint(error)) && NoteSent(error, rows);
+        if (comes_back) sent = LeavePlace(error);
+        is_untouched_ = false;
+        sent = sent && NoteSent(error, rows);
     } else {
-        sent = (!comes_back || database_->RollbackToSavepoint(error)) && SendOneByOne(error);
+        sent = SendOneByOne(error, comes_back);
     }
     sender_->Clear();
     gathered_.clear();
     return sent;
 }
 
-bool TableLoad::SendOneByOne(String& error) {
+// comes_back: to the place in front of the rows that have just been refused
+bool TableLoad::SendOneByOne(String& error, bool comes_back) {
+    String lost;
+    if (comes_back && !ComeBack(lost)) {
+        error = std::move(lost);
+        return false;
+    }
     const std::size_t rows = sender_->Count();
     for (std::size_t i = 0; i < rows; ++i) {
         // A row alone has failed already.
@@ -94,14 +126,17 @@ bool TableLoad::SendOneByOne(String& error) {
 }
 
 TableLoad::Sent TableLoad::SendAgain(String& error, std::size_t position) {
-    const bool comes_back = InTransaction() && rules_.bad_row != BadRow::Stop;
     error.clear();
-    if (comes_back && !database_->SetSavepoint(error)) return Sent::Lost;
-    const bool sent = sender_->SendOne(error, position);
-    if (!comes_back) return sent ? Sent::Done : Sent::Refused;
-    if (sent) return database_->ReleaseSavepoint(error) ? Sent::Done : Sent::Lost;
+    const bool comes_back = rules_.bad_row != BadRow::Stop;
+    if (comes_back && !MarkPlace(error)) return Sent::Lost;
+    if (sender_->SendOne(error, position)) {
+        const bool left = !comes_back || LeavePlace(error);
+        is_untouched_ = false;
+        return left ? Sent::Done : Sent::Lost;
+    }
+    if (!comes_back) return Sent::Refused;
     String lost;
-    if (database_->RollbackToSavepoint(lost)) return Sent::Refused;
+    if (ComeBack(lost)) return Sent::Refused;
     error = std::move(lost);
     return Sent::Lost;
 }
@@ -129,6 +164,7 @@ bool TableLoad::NoteSent(String& error, std::size_t rows) {
     if (in_transaction_ < rules_.commit_rows) return true;
     in_transaction_ = 0;
     if (!database_->Commit(error)) return false;
+    is_untouched_ = true;
     sender_->TransactionEnded();
     return true;
 }

@@ -42,6 +42,12 @@ public:
     // Takes back what is not final. Harmless after Commit.
     void Rollback();
 
+    // Marks a place in the transaction; what follows it is kept, or taken back. Without
+    // transactions these do nothing.
+    bool MarkPlace(String& error);
+    bool LeavePlace(String& error);
+    bool ComeBack(String& error);
+
     bool InTransaction() const { return rules_.commit_rows != 1; }
     // The row that the last failure is about.
     const std::optional<RowOrigin>& FailedRow() const { return failed_row_; }
@@ -58,7 +64,7 @@ private:
     enum class Sent { Done, Refused, Lost };
 
     bool SendGathered(String& error);
-    bool SendOneByOne(String& error);
+    bool SendOneByOne(String& error, bool comes_back);
     Sent SendAgain(String& error, std::size_t position);
     bool Refuse(String& error, const Gathered& row);
     bool NoteSent(String& error, std::size_t rows);
@@ -74,7 +80,8 @@ private:
     std::uint64_t in_transaction_ = 0;  // rows
     std::uint64_t inserted_ = 0;
     std::uint64_t skipped_ = 0;
-    bool open_ = false;  // a transaction
+    bool open_ = false;         // a transaction
+    bool is_untouched_ = true;  // nothing has happened in it
 };
 
 }  // namespace DataConsumers

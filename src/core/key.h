@@ -64,6 +64,7 @@ struct KeySpec {
     StringView needed = {};       // keys of one such word: one of them must have a value
     bool any_case = false;        // words match in any letter case in loose readings, too
     std::size_t loose_words = 0;  // how many of the words loose readings know; 0: all
+    bool own = false;             // Globals stand in for it in edition 1 only: see Configuration
     StringView defaults = {};     // where a default depends on other keys: how the page puts it
 };
 

@@ -227,9 +227,17 @@ bool TextFile::OpenReader(String& error) {
 std::unique_ptr<platform::InputFile> TextFile::OpenStream() {
     recorded_ = nullptr;
     if (spool_) return platform::SpoolFile::Read(spool_);
-    if (!input_file_.empty()) return nullptr;
-    if (!may_spool_) return platform::InputFile::StandardInput();
-    auto recorded = std::make_unique<RecordedInput>(platform::InputFile::StandardInput());
+    std::unique_ptr<platform::InputFile> stream;
+    if (input_file_.empty()) {
+        stream = platform::InputFile::StandardInput();
+        if (!may_spool_) return stream;
+    } else if (may_spool_) {
+        ErrorRecord told_later;
+        stream = platform::InputFile::Open(told_later, input_file_);
+        if (stream && stream->CanReopen()) return nullptr;
+    }
+    if (!stream) return nullptr;
+    auto recorded = std::make_unique<RecordedInput>(std::move(stream));
     recorded_ = recorded.get();
     return recorded;
 }

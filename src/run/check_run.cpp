@@ -42,6 +42,7 @@ private:
 
     // Transformers that cannot be made have been found before.
     bool Transform(String& error) {
+        const bool follows_sets = configuration_.Follows(Rule::TransformsFollowSets);
         const std::size_t count =
             configuration_.Step(configuration_.CurrentStep()).TransformCount();
         for (std::size_t i = 0; i < count; ++i) {
@@ -50,6 +51,7 @@ private:
             const SectionSettings settings(configuration_, Section::Transform);
             std::unique_ptr<DataTransformers::DataTransformer> transformer;
             if (!DataTransformers::DataTransformer::Create(error, settings, transformer) ||
+                (follows_sets && !transformer->CheckColumns(error, rows_)) ||
                 !transformer->Transform(error, rows_)) {
                 return false;
             }

@@ -115,7 +115,9 @@ bool DataStep::CreateTransformers(String& error) {
         configuration_.SetCurrentTransform(i);
         const SectionSettings settings(configuration_, Section::Transform);
         std::unique_ptr<DataTransformers::DataTransformer> transformer;
-        if (DataTransformers::DataTransformer::Create(error, settings, transformer)) {
+        if (DataTransformers::DataTransformer::Create(error, settings, transformer) &&
+            (!configuration_.Follows(Rule::TransformsFollowSets) ||
+             transformer->CheckColumns(error, rows_))) {
             transformers_.push_back(std::move(transformer));
         } else if (!GoOnWithout(error)) {
             return false;
@@ -142,6 +144,19 @@ bool DataStep::TransformColumns(String& error) {
     for (std::size_t i = 0; i < transformers_.size(); ++i) {
         at_work_ = {Section::Transform, i};
         if (!transformers_[i]->Transform(error, rows_) && !GoOnWithout(error)) return false;
+    }
+    return true;
+}
+
+// The columns of a further result set; false, as the step fails then, where it lacks one.
+bool DataStep::TransformNextColumns(String& error) {
+    if (!configuration_.Follows(Rule::TransformsFollowSets)) return true;
+    for (std::size_t i = 0; i < transformers_.size(); ++i) {
+        at_work_ = {Section::Transform, i};
+        transformers_[i]->BeginResultSet();
+        failed_ = !transformers_[i]->CheckColumns(error, rows_) ||
+                  !transformers_[i]->Transform(error, rows_);
+        if (failed_) return false;
     }
     return true;
 }
@@ -188,11 +203,14 @@ bool DataStep::MeasureWritten(String& error) {
         return Fail(error);
     }
     const std::vector<ColumnDefinition> columns = rows_.Columns;
-    do {
-        if (!MeasureResultSet(error)) return Fail(error);
+    for (bool more = true; more; more = source_->HasMoreData(error, rows_)) {
+        const bool is_first = set_widths_.empty();
+        if (!(is_first || TransformNextColumns(error)) || !MeasureResultSet(error)) {
+            return Fail(error);
+        }
         std::vector<std::uint64_t>& widths = set_widths_.emplace_back();
         for (const ColumnDefinition& column : rows_.Columns) widths.push_back(column.MaxWidth);
-    } while (source_->HasMoreData(error, rows_));
+    }
     EndReading(error);
     if (failed_ || !ReopenSource(error)) return Fail(error);
     rows_read_ = 0;
@@ -305,7 +323,7 @@ bool DataStep::NextResultSet(String& error) {
     const bool more = source_ && source_->HasMoreData(error, rows_);
     at_work_ = {Section::Source};
     if (source_ && !more) EndReading(error);
-    if (failed_) return false;
+    if (failed_ || (more && !TransformNextColumns(error))) return false;
     if (more) TakeWidths();
     if (more && target_) {
         ReportError(reading, logger_, {});

@@ -55,6 +55,7 @@ private:
     bool CreateTransformers(String& error);
     bool OpenTarget(String& error);
     bool TransformColumns(String& error);
+    bool TransformNextColumns(String& error);
     bool CloseAll(String& error);
 
     bool MeasureWidths(String& error);

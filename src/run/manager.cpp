@@ -27,6 +27,20 @@ Words GlobalWord(const Configuration& configuration, Key key) {
     return static_cast<Words>(configuration.Word(Section::Globals, key).value_or(0));
 }
 
+// Any value has always asked for the listing.
+bool IsListed(const Configuration& configuration) {
+    return configuration.IsStrict(*kListSwitch)
+               ? configuration.Flag(Section::CommandLine, kListSwitch)
+               : !configuration.Text(Section::CommandLine, kListSwitch).empty();
+}
+
+// Whether the command line alone is the job. One that names a job file wants that file.
+bool IsQuickJob(const Configuration& configuration) {
+    return configuration.Follows(Rule::QuickJobNeedsNoFile) &&
+           configuration.CommandLine().Find(kConfigSwitch->name) == nullptr &&
+           !configuration.Text(Section::CommandLine, kTypeSwitch).empty();
+}
+
 }  // namespace
 
 bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView message) {
@@ -34,6 +48,7 @@ bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView mes
 }
 
 // The edition and the stream of messages are settled before the banner, which is the first message.
+// Where data owns standard output, the steps say which stream that is, so the job is read first.
 // A mask for what the command line and the reading of the job may tell comes next, and the one that
 // knows all of the job's secrets as soon as the job has been read.
 bool Manager::Run(String& error, Configuration& configuration) {
@@ -44,20 +59,47 @@ bool Manager::Run(String& error, Configuration& configuration) {
         configuration.CommandLine().Find(kConfigSwitch->name) ? given_path : default_path;
     const bool settled = configuration.Settle(error, path);
     silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
-    const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
-    stream_ =
-        to_error ? Quillon::LoggerConsole::Stream::Error : Quillon::LoggerConsole::Stream::Output;
-    console_ = Quillon::LoggerConsole(stream_);
+    if (GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error) {
+        console_ = Quillon::LoggerConsole(Quillon::LoggerConsole::Stream::Error);
+    }
     mask_ = SecretMask(configuration);
     const NoticeReceiver notices(
         [this](StringView text, NoticeStream stream) { TakeNotice(text, stream); });
-    String ignored;
-    if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
+    const bool reads_first = configuration.Follows(Rule::DataOwnsOutput);
+    if (!reads_first) WriteBanner();
     report_.Begin(path, clock_.UtcNow());
-    const bool loaded =
-        settled ? LoadJob(error, configuration, path) : ReportError(error, console_logger_, {});
+    const bool loaded = settled && LoadJob(error, configuration, path);
+    if (reads_first) {
+        if (loaded) GiveOutputToData(configuration);
+        WriteBanner();
+    }
+    if (!loaded) ReportError(error, console_logger_, {});
     const bool succeeded = loaded && RunJob(error, configuration);
     return WriteReport(configuration, succeeded, error) && succeeded;
+}
+
+void Manager::WriteBanner() {
+    String ignored;
+    if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
+}
+
+// Messages keep out of data that a step of the run writes to standard output. The steps do not have
+// the quick-job switches yet, as the listing shows the job without them.
+void Manager::GiveOutputToData(Configuration& configuration) {
+    if (configuration.CommandLine().Find(kCheckSwitch->name) != nullptr) return;
+    const String output = configuration.Text(Section::CommandLine, kOutputSwitch);
+    String told_later;
+    std::vector<std::size_t> steps;
+    SelectSteps(told_later, configuration, steps);
+    for (const std::size_t index : steps) {
+        configuration.SetCurrentStep(index);
+        const SectionSettings target(configuration, Section::Target);
+        output_is_owned_ |= configuration.Step(index).List(Section::System).Empty() &&
+                            DataConsumers::FileTarget::OwnsStandardOutput(target, output);
+    }
+    if (output_is_owned_) {
+        console_ = Quillon::LoggerConsole(Quillon::LoggerConsole::Stream::Error);
+    }
 }
 
 // Runs a job that has been read.
@@ -69,7 +111,7 @@ bool Manager::RunJob(String& error, Configuration& configuration) {
     if (configuration.CommandLine().Find(kCheckSwitch->name) != nullptr) {
         return Check(error, configuration);
     }
-    if (!configuration.Text(Section::CommandLine, kListSwitch).empty()) {
+    if (IsListed(configuration)) {
         configuration.Print(ignored, console_logger_,
                             [this](Section section, const ParameterSet::Element& element) {
                                 return mask_.ShownValue(section, element);
@@ -98,19 +140,19 @@ bool Manager::WriteReport(const Configuration& configuration, bool succeeded, co
     if (report_.Write(failure, path, mask_, StatusOf(succeeded), error, clock_.UtcNow())) {
         return true;
     }
-    return ReportError(failure, console_logger_, {});
+    return ReportError(failure, console_logger_,
+                       Format(u"The report '%s' could not be written: %s", path, failure));
 }
 
 bool Manager::LoadJob(String& error, Configuration& configuration, const String& path) {
-    if (platform::PathExists(path)) {
-        return configuration.Read(error, path) || ReportError(error, console_logger_, {});
-    }
+    if (platform::PathExists(path)) return configuration.Read(error, path);
+    if (IsQuickJob(configuration) && !configuration.AdditonalCmdLine(error, 0)) return false;
     if (configuration.StepCount() != 0) return true;
-    return ReportError(
-        error, console_logger_,
-        Format(u"Could not find or load configuration file '%s'. Use -config command line switch "
-               u"to define it. Default name is 'quillon.qpr'.",
-               path));
+    error = Format(
+        u"Could not find or load configuration file '%s'. Use -config command line switch to "
+        u"define it. Default name is 'quillon.qpr'.",
+        path);
+    return false;
 }
 
 bool Manager::ExamineCommandLine(String& error, Configuration& configuration) {
@@ -172,8 +214,7 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
     if (!configuration.AdditonalCmdLine(error, index)) {
         return ReportError(error, console_logger_, {});
     }
-    ChooseStream(configuration);
-    if (!OpenStepLog(error, configuration)) return false;
+    if (!OpenStepLog(error, configuration)) return FailWithoutLog(error, configuration, index);
     const bool done = RunReportedStep(error, configuration, index);
     // A failure that counts is remembered, so that the run does not end as if there were none.
     if (done || stop_on_error_ || !configuration.Follows(Rule::FailedStepsCount)) return done;
@@ -182,12 +223,16 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
     return true;
 }
 
-// Messages keep out of data that a step writes to standard output.
-void Manager::ChooseStream(Configuration& configuration) {
-    output_is_owned_ = DataConsumers::FileTarget::OwnsStandardOutput(
-        SectionSettings(configuration, Section::Target));
-    console_ =
-        Quillon::LoggerConsole(output_is_owned_ ? Quillon::LoggerConsole::Stream::Error : stream_);
+// The console is where a message can still go. It ends the run, whatever `StopOnError` says.
+bool Manager::FailWithoutLog(String& error, Configuration& configuration, std::size_t index) {
+    if (configuration.Follows(Rule::PlacedMessages)) {
+        error.insert(0, FailurePrefix(configuration, {Section::Settings}));
+        ReportError(error, console_logger_, {});
+    }
+    StepReport& report = report_.Step(index);
+    report.status = StepReport::Status::Failed;
+    report.error = error;
+    return false;
 }
 
 // Only a run that reports looks at the clock here.

@@ -22,11 +22,11 @@ public:
     explicit Manager(const platform::Clock& clock = platform::SystemClock()) : clock_(clock) {}
 
     // False when the run failed; `error` then holds the message of the failure that ended it. All
-    // failures have been written through a logger, except that of opening a step's log.
-    // "Could not find or load configuration file '%s'. Use -config command line switch to define
-    // it. Default name is 'quillon.qpr'."
-    // "The job has mistakes: %u." behind its findings
+    // failures have been written through a logger, except in edition 1 that of opening a step's
+    // log. "Could not find or load configuration file '%s'. Use -config command line switch to
+    // define it. Default name is 'quillon.qpr'." "The job has mistakes: %u." behind its findings
     // "Failed steps: %s." where the run went on behind failed steps
+    // "The report '%s' could not be written: %s" is written, and stands for no failure of the job
     bool Run(String& error, Configuration& configuration);
 
     // The exit statuses of the program.
@@ -45,6 +45,8 @@ public:
     static bool ReportError(String& error, Quillon::Logger& logger, StringView message);
 
 private:
+    void WriteBanner();
+    void GiveOutputToData(Configuration& configuration);
     bool RunJob(String& error, Configuration& configuration);
     bool WriteReport(const Configuration& configuration, bool succeeded, const String& error);
     void TakeNotice(StringView text, NoticeStream stream);
@@ -58,7 +60,7 @@ private:
     bool RunReportedStep(String& error, Configuration& configuration, std::size_t index);
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
-    void ChooseStream(Configuration& configuration);
+    bool FailWithoutLog(String& error, Configuration& configuration, std::size_t index);
     bool TellFailedSteps(String& error);
 
     const platform::Clock& clock_;
@@ -68,8 +70,7 @@ private:
     std::uint64_t run_start_ms_ = 0;
     String log_file_name_;
     SecretMask mask_;
-    Quillon::LoggerConsole::Stream stream_ = Quillon::LoggerConsole::Stream::Output;
-    bool output_is_owned_ = false;  // by the data of the current step
+    bool output_is_owned_ = false;  // by the data of a step
     Quillon::LoggerConsole console_;
     Quillon::LoggerMasked console_logger_{console_, mask_};
     std::unique_ptr<Quillon::Logger> step_log_;  // what a step's messages are written through

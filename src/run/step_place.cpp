@@ -65,6 +65,7 @@ String FailurePrefix(Configuration& configuration, const StepRole& role) {
     if (head.line != 0) {
         prefix += Format(u" (%s:%u)", configuration.TheJob().files[head.file], head.line);
     }
+    if (role.section == Section::Settings) return prefix + u": ";
     prefix += u", " + RoleOf(role);
     const Key type = role.section == Section::System ? kCommand : kType;
     const String word = configuration.Text(role.section, type);

@@ -20,5 +20,6 @@ String NameOfSection(Configuration& configuration, Section section);
 
 // What stands before the text of a failure in the current step:
 //     Step 2 (job.qpr:9), target TextFile 'out.csv', row 1234:
-// with a blank behind it. The name is that of the file, the table or the data source.
+// with a blank behind it. The name is that of the file, the table or the data source. What stands
+// in the Settings is nobody's: "Step 2 (job.qpr:9): ".
 String FailurePrefix(Configuration& configuration, const StepRole& role);

@@ -217,8 +217,9 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
 
 void ODBCDatabase::DescribeResult(RowSet& rows) {
     column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
-    reader_ =
-        MakeRowReader(method_, connection_.Get(), statement_.Get(), rows.Columns, value_buffer_);
+    const bool shows_bits = method_.bytes_as_digits && Habits().bits;
+    reader_ = MakeRowReader(method_, shows_bits, connection_.Get(), statement_.Get(), rows.Columns,
+                            value_buffer_);
 }
 
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
@@ -256,6 +257,10 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
 // ---- Writing ----
 
 String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
+
+const InsertHabits& ODBCDatabase::Habits() const {
+    return HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+}
 
 TransactionKind ODBCDatabase::Transactions() const {
     SQLUSMALLINT capable = SQL_TC_NONE;
@@ -319,8 +324,7 @@ bool ODBCDatabase::CharactersAreUtf8(StringView query) {
 }
 
 std::unique_ptr<RowSender> ODBCDatabase::MakeSender(const InsertTarget& target) {
-    const InsertHabits& habits =
-        HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+    const InsertHabits& habits = Habits();
     const ODBCInsert::Session session{.environment = environment_.Get(),
                                       .connection = connection_.Get(),
                                       .narrow = narrow_driver_,

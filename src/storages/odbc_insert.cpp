@@ -271,6 +271,7 @@ bool ODBCInsert::Bind(const Prepared& prepared, std::size_t parameter, Cells& ce
             break;
         case Form::Utf8:
             value_type = SQL_C_CHAR;
+            if (habits_.texts) type = SQL_VARCHAR;
             break;
         case Form::Bytes:
             value_type = SQL_C_BINARY;

@@ -17,13 +17,14 @@ constexpr std::int32_t kLongestCellUnits = 4'000;
 using ValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
 using ValueReads = std::vector<ValueRead>;  // of the columns
 
-ValueReads ReadsOf(const ReadingMethod& method, const std::vector<ColumnDefinition>& columns) {
+ValueReads ReadsOf(const ReadingMethod& method, bool shows_bits,
+                   const std::vector<ColumnDefinition>& columns) {
     ValueReads reads;
     for (const ColumnDefinition& column : columns) {
         const ColumnKind kind = method.bytes_as_digits ? KindOf(column) : ColumnKind::Text;
         if (kind == ColumnKind::Binary) {
             reads.push_back(&ODBCValueBuffer::ReadBytes);
-        } else if (kind == ColumnKind::Bit) {
+        } else if (kind == ColumnKind::Bit && shows_bits) {
             reads.push_back(&ODBCValueBuffer::ReadBit);
         } else if (method.whole_values) {
             reads.push_back(&ODBCValueBuffer::ReadWhole);
@@ -246,11 +247,11 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abili
 
 }  // namespace
 
-std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* connection,
-                                             void* statement,
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, bool shows_bits,
+                                             void* connection, void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer) {
-    const ValueReads reads = ReadsOf(method, columns);
+    const ValueReads reads = ReadsOf(method, shows_bits, columns);
     std::unique_ptr<ODBCRowReader> reader;
     if (method.in_blocks) {
         SQLUINTEGER abilities = 0;

@@ -26,9 +26,10 @@ public:
 
 // The reader that the method asks for, or the one that asks for each value where the driver or the
 // columns do not allow blocks.
+// shows_bits: the driver hands over bits as characters of their number
 // connection: of the statement; buffer: takes long values
-std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, void* connection,
-                                             void* statement,
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, bool shows_bits,
+                                             void* connection, void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer);
 

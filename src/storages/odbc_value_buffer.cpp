@@ -90,12 +90,12 @@ void ODBCValueBuffer::AppendDigits(String& digits, const void* bytes, std::size_
 ODBCValueBuffer::Outcome ODBCValueBuffer::ReadBit(void* statement, std::uint16_t number,
                                                   String& text) {
     const Outcome outcome = ReadCut(statement, number, text);
-    ShowBit(text);
+    if (outcome == Outcome::Text) ShowBit(text);
     return outcome;
 }
 
 void ODBCValueBuffer::ShowBit(String& text) {
-    if (text.size() == 1 && text.front() <= 1) text.front() = text.front() == 1 ? u'1' : u'0';
+    text = text.empty() || text.front() == u'\0' ? u"0" : u"1";
 }
 
 }  // namespace DataStorages

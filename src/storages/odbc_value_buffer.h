@@ -27,12 +27,12 @@ public:
     // The same of bytes, which come out as hexadecimal digits. Some drivers cut bytes that are read
     // as text at the first zero, others put marks around the digits.
     Outcome ReadBytes(void* statement, std::uint16_t number, String& digits);
-    // Reads a bit: "0" or "1". Some drivers hand over the bit itself as a character.
+    // Reads a bit that the driver hands over as the character of its number: "0" or "1".
     Outcome ReadBit(void* statement, std::uint16_t number, String& text);
 
     // Appends the bytes as two digits each, capitals (ODBC reference, "SQL to C: Binary").
     static void AppendDigits(String& digits, const void* bytes, std::size_t count);
-    // Makes a digit of a bit.
+    // Makes a digit of such a bit; a zero may have ended the text.
     static void ShowBit(String& text);
 
 private:

@@ -26,15 +26,13 @@ bool IsUnquoted(StringView type) {
 KeyList ChangeDataType::Keys() { return {kColumnKeys, kKeys}; }
 
 bool ChangeDataType::Configure(String& error, const SectionSettings& settings) {
-    first_call_ = true;
-    return ReadColumn(error, settings, kChangeDataType, kApplyToColumn, position_) &&
-           ReadRequired(error, settings, kChangeDataType, kNewType, new_type_);
+    if (!ReadColumn(error, settings, kChangeDataType, kApplyToColumn, position_)) return false;
+    NoteColumn(position_);
+    return ReadRequired(error, settings, kChangeDataType, kNewType, new_type_);
 }
 
 bool ChangeDataType::Transform(String& /*error*/, RowSet& rows) {
-    const bool applies = first_call_ && position_ < rows.Columns.size();
-    first_call_ = false;
-    if (!applies) return true;
+    if (!TakeNewColumns() || position_ >= rows.Columns.size()) return true;
     ColumnDefinition& column = rows.Columns[position_];
     column.LocalTypeName = new_type_;
     column.TypeName = new_type_;

@@ -4,7 +4,7 @@
 
 namespace DataTransformers {
 
-// Gives a column another type name, in the first result set. The types "integer", "number",
+// Gives a column another type name. The types "integer", "number",
 // "numeric" and "short", any letter case, take the quotes from its literals; others leave them. The
 // type code and the values stay as they are.
 class ChangeDataType final : public DataTransformer {
@@ -16,7 +16,6 @@ public:
 private:
     std::size_t position_ = 0;
     String new_type_;
-    bool first_call_ = true;
 };
 
 }  // namespace DataTransformers

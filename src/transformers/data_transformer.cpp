@@ -1,5 +1,7 @@
 #include "transformers/data_transformer.h"
 
+#include <algorithm>
+
 #include "base/activity_trail.h"
 #include "files/format.h"
 #include "transformers/change_data_type.h"
@@ -32,6 +34,18 @@ bool DataTransformer::Create(String& error, const SectionSettings& settings,
     }
     error = Format(u"Transformer type '%s' is not supported yet", word);
     return false;
+}
+
+// A file without any record has no columns that could be missed.
+bool DataTransformer::CheckColumns(String& error, const RowSet& rows) const {
+    const std::size_t count = rows.Columns.size();
+    if (count == 0 || columns_needed_ <= count) return true;
+    error = Format(u"There is no column %u; the result set has %u.", columns_needed_, count);
+    return false;
+}
+
+void DataTransformer::NoteColumn(std::size_t position) {
+    columns_needed_ = std::max(columns_needed_, position + 1);
 }
 
 }  // namespace DataTransformers

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "base/strings.h"
@@ -25,6 +27,22 @@ public:
     virtual bool Configure(String& error, const SectionSettings& settings) = 0;
     // Called once when the columns are known and there is no row yet, then for every row.
     virtual bool Transform(String& error, RowSet& rows) = 0;
+
+    // The next call of Transform is that for the columns, of a further result set.
+    void BeginResultSet() { columns_are_new_ = true; }
+    // Fails where the result set has columns and lacks one that the transformer works on:
+    // "There is no column %u; the result set has %u."
+    bool CheckColumns(String& error, const RowSet& rows) const;
+
+protected:
+    // Notes a column that the transformer works on, by its position from 0.
+    void NoteColumn(std::size_t position);
+    // True in the call of Transform for the columns.
+    bool TakeNewColumns() { return std::exchange(columns_are_new_, false); }
+
+private:
+    std::size_t columns_needed_ = 0;
+    bool columns_are_new_ = true;
 };
 
 }  // namespace DataTransformers

@@ -27,20 +27,20 @@ bool RemoveColumn::Configure(String& error, const SectionSettings& settings) {
         std::size_t position = 0;
         if (!ReadColumnNumber(error, kRemoveColumn, number, position)) return false;
         positions_.push_back(position);
+        NoteColumn(position);
     }
-    first_call_ = true;
     return true;
 }
 
 bool RemoveColumn::Transform(String& /*error*/, RowSet& rows) {
+    const bool columns = TakeNewColumns();
     for (const std::size_t position : positions_) {
-        if (first_call_) {
+        if (columns) {
             rows.Exclude(position);
         } else if (position < rows.Row.size()) {
             rows.Row[position].Included = false;
         }
     }
-    first_call_ = false;
     return true;
 }
 

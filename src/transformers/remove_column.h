@@ -11,13 +11,11 @@ class RemoveColumn final : public DataTransformer {
 public:
     static KeyList Keys();
     bool Configure(String& error, const SectionSettings& settings) override;
-    // The first call marks the columns; every call marks their values, also in the rows of later
-    // result sets, whose columns are left alone.
+    // The call for the columns marks them; every call marks their values.
     bool Transform(String& error, RowSet& rows) override;
 
 private:
     std::vector<std::size_t> positions_;
-    bool first_call_ = true;
 };
 
 }  // namespace DataTransformers

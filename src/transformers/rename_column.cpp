@@ -15,14 +15,15 @@ constexpr Key kNewName = kKeys[u"NewName"];
 KeyList RenameColumn::Keys() { return {kColumnKeys, kKeys}; }
 
 bool RenameColumn::Configure(String& error, const SectionSettings& settings) {
-    first_call_ = true;
-    return ReadColumn(error, settings, kRenameColumn, kApplyToColumn, position_) &&
-           ReadRequired(error, settings, kRenameColumn, kNewName, new_name_);
+    if (!ReadColumn(error, settings, kRenameColumn, kApplyToColumn, position_)) return false;
+    NoteColumn(position_);
+    return ReadRequired(error, settings, kRenameColumn, kNewName, new_name_);
 }
 
 bool RenameColumn::Transform(String& /*error*/, RowSet& rows) {
-    if (first_call_ && position_ < rows.Columns.size()) rows.Columns[position_].Name = new_name_;
-    first_call_ = false;
+    if (TakeNewColumns() && position_ < rows.Columns.size()) {
+        rows.Columns[position_].Name = new_name_;
+    }
     return true;
 }
 

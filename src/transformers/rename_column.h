@@ -4,7 +4,7 @@
 
 namespace DataTransformers {
 
-// Gives a column another name, in the first result set.
+// Gives a column another name.
 class RenameColumn final : public DataTransformer {
 public:
     static KeyList Keys();
@@ -14,7 +14,6 @@ public:
 private:
     std::size_t position_ = 0;
     String new_name_;
-    bool first_call_ = true;
 };
 
 }  // namespace DataTransformers

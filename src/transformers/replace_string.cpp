@@ -32,8 +32,10 @@ KeyList ReplaceString::Keys() { return {kKeys}; }
 
 bool ReplaceString::Configure(String& error, const SectionSettings& settings) {
     all_columns_ = settings.Text(kApplyTo) == u"*";
-    if (!all_columns_ && !ReadColumn(error, settings, kRenameColumn, kApplyTo, position_))
-        return false;
+    if (!all_columns_) {
+        if (!ReadColumn(error, settings, kRenameColumn, kApplyTo, position_)) return false;
+        NoteColumn(position_);
+    }
     from_ = settings.Text(kFrom);
     if (from_.empty()) {
         error = u"Replace string transformer: 'From' parameter is required.";

@@ -30,6 +30,7 @@ constexpr KeyTable kKeys({
      .edition2 = u"Two",
      .since = Since::Later},
     {.name = u"Unheard", .edition1 = u"d", .edition2 = u"e", .since = Since::Edition2Only},
+    {.name = u"Own", .edition1 = u"d", .edition2 = u"d", .own = true},
     {.name = u"Room", .kind = KeyKind::Size, .edition2 = u"2K", .since = Since::Later},
 });
 
@@ -48,6 +49,13 @@ TEST(Configuration, AsksTheSectionThenGlobalsThenTheDefault) {
         job.Job().SetCurrentStep(1);  // there is none
         EXPECT_EQ(settings.Text(kKeys[u"Both"]), u"d");
         EXPECT_TRUE(settings.Flag(kKeys[u"Global"]));
+    }
+}
+
+TEST(Configuration, GlobalsStandInForOwnKeysInEditionOneAlone) {
+    for (const auto& [edition, value] : {std::pair{"1", u"g"}, {"2", u"d"}}) {
+        OneStep job(platform::SystemClock(), std::string("Own=g\nEdition=") + edition + "\n");
+        EXPECT_EQ(job.With(Section::Target, {}).Text(kKeys[u"Own"]), value);
     }
 }
 

@@ -88,6 +88,7 @@ TEST(JobFile, OfEditionTwoIsReadWholeAndStrictly) {
     folder.Write("inner", "b=2\r\n\r\n; c=3\n");
     folder.Write("outer", "@include " + ToUtf8(folder.Path("inner")) + "\nd=\xC5\xBB");
     folder.Write("loop", "\n@include " + ToUtf8(folder.Path() + u"/loop") + "\n");
+    folder.Write("other-name", "@include " + ToUtf8(folder.Path()) + "/./other-name\n");
     folder.Write("latin", "\n\ne=\xE9\n");
     const std::string globals = "Globals\n\nEdition=2\n";
     for (const auto& [job, expected] : {
@@ -108,6 +109,9 @@ TEST(JobFile, OfEditionTwoIsReadWholeAndStrictly) {
              Case{"@include <loop\n",
                   u"<loop:2: @include statement. '<loop' includes itself: '<job' -> '<loop' -> "
                   u"'<loop'."},
+             Case{"@include <other-name\n",
+                  u"<other-name:1: @include statement. '<./other-name' includes itself: '<job' -> "
+                  u"'<other-name' -> '<./other-name'."},
              Case{"Edition=3\n", u"Edition '3' is not known. Known are 1 and 2."},
          }) {
         EXPECT_EQ(OutcomeOf(folder, globals + job), expected) << job;

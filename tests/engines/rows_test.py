@@ -3,9 +3,11 @@
 a table; from each engine into each; rows that a table refuses. Types that do not come back are
 missing here and listed in the documents. SQLite always takes part, PostgreSQL and MariaDB where
 QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
+import csv
 import re
 
-from support import EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source, table
+from support import (EDITION_2, EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source,
+                     table)
 
 TEXTS = ("''", "' lead'", "'O''Brien ''''s \"name\"'", "'NULL'",
          r"'back\slash \n'", "'żółć 😀 👩‍👩‍👧 𝄞'", "'12'", "'%s {d} $T$ -- #'")
@@ -22,6 +24,7 @@ class Rows:
     """What holds for every engine as the one that rows go into. A type comes with the values of its
     column, as literals; those of `not_as_text` do not fit into lines."""
     before = ""
+    bytes = ()  # types whose values arrive whole as parameters only
 
     def test_types(self):
         for way, step, names in (
@@ -29,6 +32,7 @@ class Rows:
                                    "Encoding=UTF8", "ColumnList=1", 'Delimiter=";"',
                                    "BatchSize=3"), self.types + self.not_as_text),
                 ("table", None, self.types + self.not_as_text),
+                ("bound", None, self.types + self.not_as_text + self.bytes),
                 # A source reads UTF-8 byte by byte. The mark of UTF-16 goes into the first name.
                 ("text", section("Target", "TextFile", "Name=rows.txt", "Encoding=UTF16",
                                  "Header=1"), self.types)):
@@ -37,7 +41,8 @@ class Rows:
             if way == "text":
                 made.run("delete from t where id = 0")  # a text file does not tell NULL from texts
             self.move(read + (step or into), *(
-                [section("Source", "TextFile", "Name=rows.txt") + into] if way == "text" else []))
+                [section("Source", "TextFile", "Name=rows.txt") + into] if way == "text" else []),
+                globals=EDITION_2 if way == "bound" else "")
             if way == "script":
                 taker.load(self.path / "rows.sql")
             expected, arrived = zip(*made.rows("t")), zip(*taker.rows(TAKER.strip('"')))
@@ -85,6 +90,34 @@ class Rows:
                         source("DatabaseTable", made, "Table=t") + table(taker))
 
 
+    def test_bad_rows(self):
+        """Of three batches the first and the last have a row that the table refuses."""
+        rows = "\n".join(["id,name", *(f"{number},{name}" for number, name in enumerate(
+            ("long name" if number in (3, 2200) else f"n{number}" for number in range(2300))))])
+        self.write("rows.csv", rows)
+        good = {str(number) for number in range(2300)} - {"3", "2200"}
+        for case, (policy, status, message, arrived) in enumerate((
+                ("OnBadRow=Skip", 0, "", good),
+                ("OnBadRow=Reject\nRejectFile=bad.csv\nCommitRows=150", 0, "", good),
+                ("OnBadRow=Reject\nRejectFile=bad.csv\nMaxRejects=1", 2,
+                 ".* row 2201, line 2202: More than 1 rows were rejected; the last one: .*", set()),
+                ("CommitRows=2000\nInsertRows=7", 2, ".* row 4, line 5: ODBCDatabase::Insert .*",
+                 set()),
+                ("OnBadRow=Skip\nInsertMode=Literal\nInsertRows=40", 0, "", good))):
+            with self.subTest(policy):
+                taker = self.database("create table t (id int, name varchar(5), "
+                                      "check (name <> 'long name'))", f"bad{case}")
+                self.assert_job(status, f"(?s:{message})",
+                                section("Source", "TextFile", "Name=rows.csv") +
+                                table(taker) + policy + "\n", globals=EDITION_2)
+                self.assertEqual({str(number) for number, _ in taker.rows("t")}, arrived)
+                if "Reject" in policy:
+                    with open(self.path / "bad.csv", newline="", encoding="utf-8") as rejects:
+                        records = [(line, row) for line, _, row in csv.reader(rejects)][1:]
+                    self.assertEqual(records, [("5", "3,long name"), ("2202", "2200,long name")]
+                                     [:1 if status else 2])
+
+
 class ServerRows(Rows):
     """What holds for every engine with users."""
 
@@ -106,6 +139,7 @@ class SqliteRows(Rows, EngineTest):
         ("timestamp", "'2024-02-29 23:59:59.125'"),
     )
     not_as_text = (("text", *LINES),)
+    bytes = (("blob", "x'00ff410042'", "x''"), ("varbinary(3)", "x'000102'"))
     sales = [(1, "O'Brien", 12.5, "2024-02-29", "2024-02-29 23:59:58", None),
              (2, "Łódź", -0.05, None, None, ""),
              (3, "", 1234567, "1999-12-31", "1970-01-02 00:00:00", "NULL")]
@@ -140,6 +174,9 @@ class PostgresRows(ServerRows, EngineTest):
         ("mood", "'sad'", "'so so'"), ("positive", "5"),
     )
     not_as_text = (("text", *LINES),)
+    bytes = (("bytea", r"'\x00ff410042'", "''"),
+             ("real", "1.5e10"), ("money", "1.5"),
+             ("double precision", "'NaN'", "'-Infinity'"))
     sales = [("1", "O'Brien", "12.50", "2024-02-29", "2024-02-29 23:59:58", None),
              ("2", "Łódź", "-0.05", None, None, ""),
              ("3", "", "1234567.00", "1999-12-31", "1970-01-02 00:00:00", "NULL")]
@@ -170,6 +207,8 @@ class MariaDbRows(ServerRows, EngineTest):
         ("uuid", "'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11'"),
     )
     not_as_text = (("longtext", *LINES),)
+    bytes = (("blob", "x'00ff410042'", "''"), ("varbinary(3)", "x'000102'"),
+             ("binary(2)", "x'0041'"), ("bit(1)", "1", "0"), ("bit(12)", "2748"))
     sales = PostgresRows.sales
     refusals = ("Duplicate entry '2' for key 'PRIMARY'", "Column 'name' cannot be null",
                 "CONSTRAINT `t.name` failed", "Data too long for column 'name'")

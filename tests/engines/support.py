@@ -14,6 +14,7 @@ from program import Scene, run_tests  # noqa: E402, F401
 
 ENVIRONMENT = os.environ | {"LC_ALL": "C.UTF-8", "PGCLIENTENCODING": "UTF8"}
 csv.field_size_limit(sys.maxsize)
+EDITION_2 = "Globals\nEdition=2\n"
 
 
 def client(*command, **options):
@@ -21,7 +22,7 @@ def client(*command, **options):
     done = subprocess.run(command, capture_output=True, timeout=120, env=ENVIRONMENT, **options)
     if done.returncode != 0:
         raise AssertionError(f"{command[0]} ended with {done.returncode}: {done.stderr[:2000]!r}")
-    return done.stdout.decode()
+    return done.stdout.decode(errors="surrogateescape")
 
 
 class Sqlite:
@@ -184,16 +185,16 @@ class EngineTest(Scene):
             made.run(f"grant select on {table} to {made.user(user)}")
         return made.as_user(user)
 
-    def assert_job(self, status, message, *steps):
+    def assert_job(self, status, message, *steps, globals=""):
         """Runs a job, a step being the text of its sections. It ends with this status, and the
         pattern is all that it says, in one line."""
-        ended = self.run_job("".join(f"Step #\n{step}" for step in steps))
+        ended = self.run_job(globals + "".join(f"Step #\n{step}" for step in steps))
         self.assertRegex(f"{ended.status} {ended.output.decode()}{ended.errors.decode()}",
                          rf"\A{status} {message}\s*\Z")
 
-    def move(self, *steps):
+    def move(self, *steps, globals=""):
         """Runs a job that must succeed without a word."""
-        self.assert_job(0, "", *steps)
+        self.assert_job(0, "", *steps, globals=globals)
 
     def files(self):
         """Name and text of each text file that a job has written, without the mark in front."""

@@ -71,6 +71,9 @@ class Robustness(Scene):
         self.assert_copies(copy, input=b"a\n1\n22\n", content=b"1\r\n22\r\n")
         self.assert_copies(copy + "FixedWidth=1\n", input=b"a\tb\n1\t2\n3\t4\n",
                            content=b"12\r\n34\r\n")
+        for header, out in (("1", b"ab \r\n12 \r\n344\r\n"), ("0", b"12 \r\n344\r\n")):
+            self.assert_copies(copy + f"FixedWidth=1\nHeader={header}\n", "-Edition=2",
+                               input=b"a,b\n1,2\n3,44\n", content=out)
         self.assert_copies(None, "-config=/dev/stdin",
                            input=COPY.format("in.txt", "out.txt").encode())
 

@@ -105,7 +105,7 @@ def run(job, work):
     before = content(work)
     environment = dict(line.split("=", 1) for line in job.lines("environment"))
     report = work.parent / "report.json"
-    edition2 = b"Edition=2" in job.read("job.qpr")
+    edition2 = any(b"Edition=2" in data for data in before.values() if data)  # includes, too
     arguments = job.lines("args") + ([f"-report={report}"] if edition2 else [])
     ended = program.run(work, "-config=job.qpr", *arguments, environment=environment,
                         input=job.read("stdin"))
