@@ -20,4 +20,5 @@ enum class Rule {
     LossesAreCounted,     // the statistics count records skipped and rows rejected
     DriversQuotes,        // names in queries stand between the quotes that the driver tells
     SchemaIsMacro,        // "$SCHEMA$" is replaced beside "$TABLE$"
+    MemoryFailsStep,      // a step that memory runs out in fails and says so, and is no crash
 };

@@ -1,6 +1,7 @@
 #include "run/manager.h"
 
 #include <algorithm>
+#include <new>
 
 #include "base/activity_trail.h"
 #include "base/notices.h"
@@ -33,29 +34,33 @@ bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView mes
     return ::ReportError(error, logger, message);
 }
 
-// The edition and the stream of messages are settled before the banner, which is the first message.
-// A mask for what the command line and the reading of the job may tell comes next, and the one that
-// knows all of the job's secrets as soon as the job has been read.
-bool Manager::Run(String& error, Configuration& configuration) {
+void Manager::Settle(String& error, Configuration& configuration) {
     const ScopedState state(u"Manager::Run");
-    const String default_path = configuration.ProgramDirectory() + u"quillon.qpr";
-    const String given_path = configuration.Text(Section::CommandLine, kConfigSwitch);
-    const String& path =
-        configuration.CommandLine().Find(kConfigSwitch->name) ? given_path : default_path;
-    const bool settled = configuration.Settle(error, path);
+    job_path_ = configuration.CommandLine().Find(kConfigSwitch->name)
+                    ? configuration.Text(Section::CommandLine, kConfigSwitch)
+                    : configuration.ProgramDirectory() + u"quillon.qpr";
+    settled_ = configuration.Settle(error, job_path_);
     silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
     const bool to_error = GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error;
     stream_ =
         to_error ? Quillon::LoggerConsole::Stream::Error : Quillon::LoggerConsole::Stream::Output;
     console_ = Quillon::LoggerConsole(stream_);
+}
+
+// The edition and the stream of messages are settled before the banner, which is the first message.
+// A mask for what the command line and the reading of the job may tell comes next, and the one that
+// knows all of the job's secrets as soon as the job has been read.
+bool Manager::Run(String& error, Configuration& configuration) {
+    const ScopedState state(u"Manager::Run");
+    if (!settled_) Settle(error, configuration);
     mask_ = SecretMask(configuration);
     const NoticeReceiver notices(
         [this](StringView text, NoticeStream stream) { TakeNotice(text, stream); });
     String ignored;
     if (!silent_) console_logger_.Write(ignored, BannerLine(), 0);
-    report_.Begin(path, clock_.UtcNow());
-    const bool loaded =
-        settled ? LoadJob(error, configuration, path) : ReportError(error, console_logger_, {});
+    report_.Begin(job_path_, clock_.UtcNow());
+    const bool loaded = *settled_ ? LoadJob(error, configuration, job_path_)
+                                  : ReportError(error, console_logger_, {});
     const bool succeeded = loaded && RunJob(error, configuration);
     return WriteReport(configuration, succeeded, error) && succeeded;
 }
@@ -173,7 +178,11 @@ bool Manager::RunStep(String& error, Configuration& configuration, std::size_t i
         return ReportError(error, console_logger_, {});
     }
     ChooseStream(configuration);
-    if (!OpenStepLog(error, configuration)) return false;
+    if (!OpenStepLog(error, configuration)) {
+        if (!configuration.Follows(Rule::PlacedMessages)) return false;
+        error.insert(0, PlaceOfStep(configuration) + u": ");
+        return ReportError(error, console_logger_, {});
+    }
     const bool done = RunReportedStep(error, configuration, index);
     // A failure that counts is remembered, so that the run does not end as if there were none.
     if (done || stop_on_error_ || !configuration.Follows(Rule::FailedStepsCount)) return done;
@@ -235,8 +244,19 @@ bool Manager::OpenLog(String& error, const String& step_log_name, bool overwrite
     return false;
 }
 
+bool Manager::RunSystemCommand(String& error, Configuration& configuration) {
+    const SectionSettings settings(configuration, Section::System);
+    if (!configuration.Follows(Rule::MemoryFailsStep)) return RunSystemStep(error, settings);
+    try {
+        return RunSystemStep(error, settings);
+    } catch (const std::bad_alloc&) {
+        error = kOutOfMemory;
+        return false;
+    }
+}
+
 bool Manager::RunSystemSection(String& error, Configuration& configuration) {
-    if (RunSystemStep(error, SectionSettings(configuration, Section::System))) return true;
+    if (RunSystemCommand(error, configuration)) return true;
     if (configuration.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration, {Section::System}));
     }

@@ -1,7 +1,5 @@
 #include "storages/odbc_database.h"
 
-#include <cassert>
-
 #include "base/utf8.h"
 #include "files/format.h"
 #include "platform/driver_library.h"
@@ -21,7 +19,7 @@ constexpr std::int32_t kValueBufferBytes = 16'777'216;
 
 ODBCDatabase::ODBCDatabase() : value_buffer_(kValueBufferBytes) {}
 
-ODBCDatabase::~ODBCDatabase() { assert(!connection_); }
+ODBCDatabase::~ODBCDatabase() { ODBCDatabase::Close(); }
 
 void ODBCDatabase::StoreDiagnostic() {
     std::array<char16_t, kMessageCharacters> message{};
