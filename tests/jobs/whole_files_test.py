@@ -12,6 +12,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from kills import killed_at_random  # noqa: E402
 from program import COMMAND, Scene, run, run_tests  # noqa: E402
 
 ROW = b"123456789\r\n"
@@ -161,10 +162,7 @@ class WholeFiles(Scene):
         new = ROW * 50_000
         self.write("out", OLD)
         for _ in range(60):
-            process = self.start(self.job(buffer="4K"))
-            time.sleep(rng.uniform(0, 0.06))
-            process.kill()
-            process.wait()
+            killed_at_random(lambda: self.start(self.job(buffer="4K")), 0.06, rng)
             content = self.read()
             self.assertIn(content, (OLD, new))
             if content == new:
