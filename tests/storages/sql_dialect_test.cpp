@@ -128,10 +128,9 @@ TEST(SqlDialect, TakesDefaultsThatAreNumbersOrTexts) {
     };
     for (const Case& c : kCases) {
         const std::optional<String> value = sql::DefaultValue(c.source, c.kind, c.spelling);
-        EXPECT_EQ(value.has_value(), c.value != nullptr) << ToUtf8(c.spelling);
-        if (value && c.value != nullptr) {
-            EXPECT_EQ(ToUtf8(*value), ToUtf8(c.value));
-        }
+        const std::optional<String> expected =
+            c.value == nullptr ? std::nullopt : std::optional<String>(c.value);
+        EXPECT_EQ(value, expected) << ToUtf8(c.spelling);
     }
 }
 
