@@ -4,6 +4,10 @@
 //   bench_limits split INPUT OUTPUT           the same in 1 MiB pieces, each line split at commas
 //                                             outside quotes through UTF-16
 //   bench_limits odbc CONNECT QUERY OUTPUT    bare SQLFetch and SQLGetData, one write call a row
+//   bench_limits blocks CONNECT QUERY OUTPUT  columns bound in blocks of rows, gathered output
+//   bench_limits load CONNECT TABLE INPUT     insert statements of 50 rows of literals, all in one
+//                                             transaction; INPUT as PostgreSQL's COPY has it, its
+//                                             values without escapes
 //
 // "-" stands for standard input and standard output. The elapsed seconds go to standard error.
 #include <fcntl.h>
@@ -227,30 +231,185 @@ void WriteRows(SQLHSTMT statement, int output) {
     }
 }
 
+// A connection with one statement.
+class Session {
+public:
+    explicit Session(const char* connect_string) {
+        // The driver manager converts text for some drivers by the locale.
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+        SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_);
+        SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, Number(SQL_OV_ODBC3), 0);
+        SQLAllocHandle(SQL_HANDLE_DBC, environment_, &connection_);
+        std::u16string text = Widen(connect_string);
+        Check(SQLDriverConnectW(connection_, nullptr, ToOdbc(text), SQL_NTS, nullptr, 0, nullptr,
+                                SQL_DRIVER_NOPROMPT),
+              SQL_HANDLE_DBC, connection_, "SQLDriverConnect");
+        SQLAllocHandle(SQL_HANDLE_STMT, connection_, &statement_);
+    }
+    ~Session() {
+        SQLFreeHandle(SQL_HANDLE_STMT, statement_);
+        SQLDisconnect(connection_);
+        SQLFreeHandle(SQL_HANDLE_DBC, connection_);
+        SQLFreeHandle(SQL_HANDLE_ENV, environment_);
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Numbers are passed as pointers.
+    static SQLPOINTER Number(std::uintptr_t number) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
+        return reinterpret_cast<SQLPOINTER>(number);
+    }
+    void Set(SQLINTEGER attribute, SQLPOINTER value) {
+        Check(SQLSetStmtAttr(statement_, attribute, value, 0), SQL_HANDLE_STMT, statement_,
+              "SQLSetStmtAttr");
+    }
+    void Execute(std::u16string text) {
+        Check(SQLExecDirectW(statement_, ToOdbc(text), SQL_NTS), SQL_HANDLE_STMT, statement_,
+              "SQLExecDirect");
+    }
+    void BeginTransaction() {
+        Check(SQLSetConnectAttr(connection_, SQL_ATTR_AUTOCOMMIT, Number(SQL_AUTOCOMMIT_OFF), 0),
+              SQL_HANDLE_DBC, connection_, "SQLSetConnectAttr");
+    }
+    void Commit() {
+        Check(SQLEndTran(SQL_HANDLE_DBC, connection_, SQL_COMMIT), SQL_HANDLE_DBC, connection_,
+              "SQLEndTran");
+    }
+    SQLHSTMT Statement() const { return statement_; }
+
+private:
+    SQLHENV environment_ = nullptr;
+    SQLHDBC connection_ = nullptr;
+    SQLHSTMT statement_ = nullptr;
+};
+
 void CopyQuery(const char* connect_string, const char* query, int output) {
-    // The driver manager converts text for some drivers by the locale.
-    std::setlocale(LC_CTYPE, "C.UTF-8");
-    SQLHENV environment = nullptr;
-    SQLHDBC connection = nullptr;
-    SQLHSTMT statement = nullptr;
-    SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
-    const std::uintptr_t version = SQL_OV_ODBC3;  // a number, passed as a pointer
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): ODBC's interface
-    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(version), 0);
-    SQLAllocHandle(SQL_HANDLE_DBC, environment, &connection);
-    std::u16string connect_text = Widen(connect_string);
-    Check(SQLDriverConnectW(connection, nullptr, ToOdbc(connect_text), SQL_NTS, nullptr, 0, nullptr,
-                            SQL_DRIVER_NOPROMPT),
-          SQL_HANDLE_DBC, connection, "SQLDriverConnect");
-    SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
-    std::u16string query_text = Widen(query);
-    Check(SQLExecDirectW(statement, ToOdbc(query_text), SQL_NTS), SQL_HANDLE_STMT, statement,
-          "SQLExecDirect");
-    WriteRows(statement, output);
-    SQLFreeHandle(SQL_HANDLE_STMT, statement);
-    SQLDisconnect(connection);
-    SQLFreeHandle(SQL_HANDLE_DBC, connection);
-    SQLFreeHandle(SQL_HANDLE_ENV, environment);
+    Session session(connect_string);
+    session.Execute(Widen(query));
+    WriteRows(session.Statement(), output);
+}
+
+// ---- Blocks ----
+
+constexpr std::size_t kBlockRows = 1'000;
+constexpr std::size_t kCellCharacters = 128;
+constexpr std::size_t kOutputBytes = 1'048'576;
+
+struct Cells {
+    std::vector<char16_t> texts = std::vector<char16_t>(kBlockRows * kCellCharacters);
+    std::vector<SQLLEN> lengths = std::vector<SQLLEN>(kBlockRows);
+};
+
+void AppendCell(std::string& rows, const Cells& cells, std::size_t row) {
+    const SQLLEN bytes = cells.lengths[row];
+    if (bytes == SQL_NULL_DATA) {
+        rows += "NULL";
+        return;
+    }
+    const auto length = static_cast<std::size_t>(bytes) / sizeof(char16_t);
+    if (bytes < 0 || length >= kCellCharacters) Fail("a value is too long");
+    const char16_t* const text = cells.texts.data() + row * kCellCharacters;
+    for (std::size_t i = 0; i < length; ++i) rows += static_cast<char>(text[i] & 0xFF);
+}
+
+void CopyBlocks(const char* connect_string, const char* query, int output) {
+    Session session(connect_string);
+    SQLULEN fetched = 0;
+    session.Set(SQL_ATTR_ROW_ARRAY_SIZE, Session::Number(kBlockRows));
+    session.Set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
+    session.Execute(Widen(query));
+    SQLSMALLINT count = 0;
+    SQLNumResultCols(session.Statement(), &count);
+    std::vector<Cells> columns(static_cast<std::size_t>(count));
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        Check(SQLBindCol(session.Statement(), static_cast<SQLUSMALLINT>(i + 1), SQL_C_WCHAR,
+                         columns[i].texts.data(), kCellCharacters * sizeof(char16_t),
+                         columns[i].lengths.data()),
+              SQL_HANDLE_STMT, session.Statement(), "SQLBindCol");
+    }
+    std::string rows;
+    for (;;) {
+        const SQLRETURN result = SQLFetch(session.Statement());
+        if (result == SQL_NO_DATA) break;
+        Check(result, SQL_HANDLE_STMT, session.Statement(), "SQLFetch");
+        for (std::size_t row = 0; row < fetched; ++row) {
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                if (i > 0) rows += '\t';
+                AppendCell(rows, columns[i], row);
+            }
+            rows += "\r\n";
+        }
+        if (rows.size() < kOutputBytes) continue;
+        Write(output, rows.data(), rows.size());
+        rows.clear();
+    }
+    Write(output, rows.data(), rows.size());
+}
+
+// ---- Loading ----
+
+constexpr std::size_t kStatementRows = 50;
+
+// UTF-8 without characters beyond U+07FF, which the rows of the benchmarks do not have.
+void AppendText(std::u16string& text, std::string_view bytes) {
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        if (byte < 0x80 || i + 1 == bytes.size()) {
+            text += byte;
+        } else {
+            text += static_cast<char16_t>((byte & 0x1F) << 6 | (bytes[++i] & 0x3F));
+        }
+    }
+}
+
+void AppendLiterals(std::u16string& statement, std::string_view line) {
+    statement += u'(';
+    for (bool first = true;; first = false) {
+        const std::size_t end = line.find('\t');
+        const std::string_view value = line.substr(0, end);
+        if (!first) statement += u',';
+        if (value == "\\N") {
+            statement += u"null";
+        } else {
+            statement += u'\'';
+            AppendText(statement, value);
+            statement += u'\'';
+        }
+        if (end == std::string_view::npos) break;
+        line.remove_prefix(end + 1);
+    }
+    statement += u')';
+}
+
+void Load(const char* connect_string, const char* table, int input) {
+    Session session(connect_string);
+    session.BeginTransaction();
+    const std::u16string head = u"insert into " + Widen(table) + u" values ";
+    std::u16string statement;
+    std::size_t count = 0;
+    const auto send = [&] {
+        if (count > 0) session.Execute(std::move(statement));
+        statement.clear();
+        count = 0;
+    };
+    std::vector<char> chunk(kChunkBytes);
+    std::string line;
+    while (const std::size_t filled = Read(input, chunk.data(), chunk.size())) {
+        std::string_view rest(chunk.data(), filled);
+        for (;;) {
+            const std::size_t end = rest.find('\n');
+            line.append(rest.substr(0, end));
+            if (end == std::string_view::npos) break;
+            rest.remove_prefix(end + 1);
+            statement += count == 0 ? head : u",";
+            AppendLiterals(statement, line);
+            line.clear();
+            if (++count == kStatementRows) send();
+        }
+    }
+    send();
+    session.Commit();
 }
 
 }  // namespace
@@ -264,10 +423,14 @@ int main(int argc, char** argv) {
         SplitLines(OpenInput(argv[2]), OpenOutput(argv[3]));
     } else if (mode == "odbc" && argc == 5) {
         CopyQuery(argv[2], argv[3], OpenOutput(argv[4]));
+    } else if (mode == "blocks" && argc == 5) {
+        CopyBlocks(argv[2], argv[3], OpenOutput(argv[4]));
+    } else if (mode == "load" && argc == 5) {
+        Load(argv[2], argv[3], OpenInput(argv[4]));
     } else {
         Fail(
-            "usage: bench_limits lines INPUT OUTPUT | split INPUT OUTPUT | odbc CONNECT QUERY "
-            "OUTPUT");
+            "usage: bench_limits lines|split INPUT OUTPUT | odbc|blocks CONNECT QUERY OUTPUT | "
+            "load CONNECT TABLE INPUT");
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     std::fprintf(stderr, "%.3f s\n", elapsed.count());
