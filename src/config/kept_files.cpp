@@ -24,13 +24,43 @@ private:
     std::span<const std::byte> rest_;
 };
 
+// A file whose failure to be read is noted; it fails whenever one has been.
+class WatchedFile final : public platform::InputFile {
+public:
+    WatchedFile(std::unique_ptr<platform::InputFile> file, bool& failed)
+        : file_(std::move(file)), read_failed_(failed) {}
+
+    std::optional<std::uint64_t> Size() override { return file_->Size(); }
+
+protected:
+    std::int64_t ReadSome(std::span<std::byte> bytes) override {
+        if (read_failed_) return -1;
+        const std::size_t count = file_->Read(bytes);
+        read_failed_ = file_->Failed();
+        return read_failed_ ? -1 : static_cast<std::int64_t>(count);
+    }
+
+private:
+    std::unique_ptr<platform::InputFile> file_;
+    bool& read_failed_;
+};
+
 }  // namespace
 
 std::unique_ptr<platform::InputFile> KeptFiles::Open(ErrorRecord& error, const String& name) {
+    Failure& failure = failures_[name];
+    if (failure.opening) {
+        error = *failure.opening;
+        return nullptr;
+    }
     auto kept = kept_.find(name);
     if (kept == kept_.end()) {
         std::unique_ptr<platform::InputFile> file = platform::InputFile::Open(error, name);
-        if (!file || file->CanReopen()) return file;
+        if (!file) failure.opening = error;
+        if (!file) return nullptr;
+        if (file->CanReopen()) {
+            return std::make_unique<WatchedFile>(std::move(file), failure.reading);
+        }
         constexpr std::size_t kPieceBytes = 65'536;
         std::vector<std::byte> bytes;
         std::size_t filled = 0;

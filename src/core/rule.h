@@ -26,4 +26,5 @@ enum class Rule {
     MacroIsOneName,        // the value of a macro inside a table's name is one whole name
     BytesAsDigits,         // bytes of databases are read whole, as hexadecimal digits
     TargetsAreDescribed,   // a table that takes rows is described without reading it
+    MemoryFailsStep,       // a step that memory runs out in fails and says so, and is no crash
 };

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 #include "base/strings.h"
 
@@ -23,6 +24,9 @@ bool WriteOutputText(StringView text);
 
 // The same for standard error. Used for notices that must not mix with data.
 void WriteErrorText(StringView text);
+
+// Writes bytes to standard error, without taking memory.
+void WriteErrorBytes(std::string_view bytes);
 
 // The line end of this system's text: CR LF on Windows, LF elsewhere.
 StringView LineEnd();

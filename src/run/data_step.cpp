@@ -1,6 +1,7 @@
 #include "run/data_step.h"
 
 #include <algorithm>
+#include <new>
 
 #include "base/activity_trail.h"
 #include "base/notices.h"
@@ -23,7 +24,18 @@ DataStep::DataStep(Configuration& configuration, std::size_t index, const RunOpt
       source_settings_(configuration, Section::Source),
       target_settings_(configuration, Section::Target) {}
 
+// Where want of memory is a crash, nothing may catch it: the crash report tells what was going on.
 bool DataStep::Run(String& error) {
+    if (!configuration_.Follows(Rule::MemoryFailsStep)) return RunThrough(error);
+    try {
+        return RunThrough(error);
+    } catch (const std::bad_alloc&) {
+        error = kOutOfMemory;
+        return Fail(error);
+    }
+}
+
+bool DataStep::RunThrough(String& error) {
     if (!DataProviders::DataProvider::Create(error, source_settings_, source_, logger_)) {
         return GoOnWithout(error);  // nothing can be moved
     }

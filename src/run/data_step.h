@@ -48,6 +48,7 @@ public:
     void Describe(StepReport& report) const;
 
 private:
+    bool RunThrough(String& error);
     void ReadSettings();
     bool PrepareAll(String& error);
     bool OpenSource(String& error);

@@ -1,6 +1,7 @@
 #include "run/manager.h"
 
 #include <algorithm>
+#include <new>
 
 #include "base/activity_trail.h"
 #include "base/notices.h"
@@ -47,28 +48,32 @@ bool Manager::ReportError(String& error, Quillon::Logger& logger, StringView mes
     return ::ReportError(error, logger, message);
 }
 
+void Manager::Settle(String& error, Configuration& configuration) {
+    const ScopedState state(u"Manager::Run");
+    job_path_ = configuration.CommandLine().Find(kConfigSwitch->name)
+                    ? configuration.Text(Section::CommandLine, kConfigSwitch)
+                    : configuration.ProgramDirectory() + u"quillon.qpr";
+    settled_ = configuration.Settle(error, job_path_);
+    silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
+    if (GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error) {
+        console_ = Quillon::LoggerConsole(Quillon::LoggerConsole::Stream::Error);
+    }
+}
+
 // The edition and the stream of messages are settled before the banner, which is the first message.
 // Where data owns standard output, the steps say which stream that is, so the job is read first.
 // A mask for what the command line and the reading of the job may tell comes next, and the one that
 // knows all of the job's secrets as soon as the job has been read.
 bool Manager::Run(String& error, Configuration& configuration) {
     const ScopedState state(u"Manager::Run");
-    const String default_path = configuration.ProgramDirectory() + u"quillon.qpr";
-    const String given_path = configuration.Text(Section::CommandLine, kConfigSwitch);
-    const String& path =
-        configuration.CommandLine().Find(kConfigSwitch->name) ? given_path : default_path;
-    const bool settled = configuration.Settle(error, path);
-    silent_ = configuration.Flag(Section::CommandLine, kSilentSwitch);
-    if (GlobalWord<MessagesTo>(configuration, kMessagesTo) == MessagesTo::Error) {
-        console_ = Quillon::LoggerConsole(Quillon::LoggerConsole::Stream::Error);
-    }
+    if (!settled_) Settle(error, configuration);
     mask_ = SecretMask(configuration);
     const NoticeReceiver notices(
         [this](StringView text, NoticeStream stream) { TakeNotice(text, stream); });
     const bool reads_first = configuration.Follows(Rule::DataOwnsOutput);
     if (!reads_first) WriteBanner();
-    report_.Begin(path, clock_.UtcNow());
-    const bool loaded = settled && LoadJob(error, configuration, path);
+    report_.Begin(job_path_, clock_.UtcNow());
+    const bool loaded = *settled_ && LoadJob(error, configuration, job_path_);
     if (reads_first) {
         if (loaded) GiveOutputToData(configuration);
         WriteBanner();
@@ -280,8 +285,19 @@ bool Manager::OpenLog(String& error, const String& step_log_name, bool overwrite
     return false;
 }
 
+bool Manager::RunSystemCommand(String& error, Configuration& configuration) {
+    const SectionSettings settings(configuration, Section::System);
+    if (!configuration.Follows(Rule::MemoryFailsStep)) return RunSystemStep(error, settings);
+    try {
+        return RunSystemStep(error, settings);
+    } catch (const std::bad_alloc&) {
+        error = kOutOfMemory;
+        return false;
+    }
+}
+
 bool Manager::RunSystemSection(String& error, Configuration& configuration) {
-    if (RunSystemStep(error, SectionSettings(configuration, Section::System))) return true;
+    if (RunSystemCommand(error, configuration)) return true;
     if (configuration.Follows(Rule::PlacedMessages)) {
         error.insert(0, FailurePrefix(configuration, {Section::System}));
     }

@@ -21,6 +21,10 @@ public:
     // clock: measures the run and stamps log records; outlives the manager.
     explicit Manager(const platform::Clock& clock = platform::SystemClock()) : clock_(clock) {}
 
+    // Settles the edition and the stream of messages, before anything is written; Run does it where
+    // nobody has. What is wrong is left for Run to tell.
+    void Settle(String& error, Configuration& configuration);
+
     // False when the run failed; `error` then holds the message of the failure that ended it. All
     // failures have been written through a logger, except in edition 1 that of opening a step's
     // log. "Could not find or load configuration file '%s'. Use -config command line switch to
@@ -61,9 +65,12 @@ private:
     bool OpenStepLog(String& error, const Configuration& configuration);
     bool RunSystemSection(String& error, Configuration& configuration);
     bool FailWithoutLog(String& error, Configuration& configuration, std::size_t index);
+    static bool RunSystemCommand(String& error, Configuration& configuration);
     bool TellFailedSteps(String& error);
 
     const platform::Clock& clock_;
+    std::optional<bool> settled_;  // not yet, or whether it could be
+    String job_path_;
     bool silent_ = false;
     bool stop_on_error_ = true;
     bool refused_command_line_ = false;

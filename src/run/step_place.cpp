@@ -58,13 +58,16 @@ String NameOfSection(Configuration& configuration, Section section) {
     return owner == nullptr ? String() : NameOfOwner(configuration, *owner);
 }
 
-String FailurePrefix(Configuration& configuration, const StepRole& role) {
+String PlaceOfStep(Configuration& configuration) {
     const std::size_t index = configuration.CurrentStep();
-    String prefix = Format(u"Step %u", index + 1);
     const Place head = configuration.Step(index).Head();
-    if (head.line != 0) {
-        prefix += Format(u" (%s:%u)", configuration.TheJob().files[head.file], head.line);
-    }
+    const String step = Format(u"Step %u", index + 1);
+    if (head.line == 0) return step;
+    return step + Format(u" (%s:%u)", configuration.TheJob().files[head.file], head.line);
+}
+
+String FailurePrefix(Configuration& configuration, const StepRole& role) {
+    String prefix = PlaceOfStep(configuration);
     if (role.section == Section::Settings) return prefix + u": ";
     prefix += u", " + RoleOf(role);
     const Key type = role.section == Section::System ? kCommand : kType;

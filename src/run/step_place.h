@@ -18,6 +18,9 @@ struct StepRole {
 // for nothing.
 String NameOfSection(Configuration& configuration, Section section);
 
+// Where the current step begins: Step 2 (job.qpr:9)
+String PlaceOfStep(Configuration& configuration);
+
 // What stands before the text of a failure in the current step:
 //     Step 2 (job.qpr:9), target TextFile 'out.csv', row 1234:
 // with a blank behind it. The name is that of the file, the table or the data source. What stands

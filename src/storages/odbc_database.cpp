@@ -1,7 +1,5 @@
 #include "storages/odbc_database.h"
 
-#include <cassert>
-
 #include "base/utf8.h"
 #include "files/format.h"
 #include "platform/driver_library.h"
@@ -33,7 +31,7 @@ SavepointWords SavepointWordsOf(StringView product) {
 
 ODBCDatabase::ODBCDatabase() : value_buffer_(kValueBufferBytes) {}
 
-ODBCDatabase::~ODBCDatabase() { assert(!connection_); }
+ODBCDatabase::~ODBCDatabase() { ODBCDatabase::Close(); }
 
 void ODBCDatabase::StoreDiagnostic() {
     last_error_ = odbc::Diagnostic(environment_.Get(), connection_.Get(), statement_.Get());

@@ -12,6 +12,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from kills import killed_at_random  # noqa: E402
 from program import COMMAND, Scene, run, run_tests  # noqa: E402
 
 ROW = b"123456789\r\n"
@@ -48,10 +49,7 @@ class Killed:
 
     def kill(self, rng):
         self.put_old()
-        process = self.scene.start(self.job)
-        time.sleep(rng.uniform(0, self.seconds))
-        process.kill()
-        process.communicate()
+        killed_at_random(lambda: self.scene.start(self.job), self.seconds, rng)
         for name, new in self.new.items():
             found = self.scene.read(name)
             # The file of bad rows grows with them.

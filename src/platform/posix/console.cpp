@@ -18,8 +18,9 @@ bool WriteOutputText(StringView text) {
     return WriteStandardOutput(std::as_bytes(std::span(bytes)));
 }
 
-void WriteErrorText(StringView text) {
-    const std::string bytes = ToUtf8(text);
+void WriteErrorText(StringView text) { WriteErrorBytes(ToUtf8(text)); }
+
+void WriteErrorBytes(std::string_view bytes) {
     WriteFully(STDERR_FILENO, std::as_bytes(std::span(bytes)));
 }
 

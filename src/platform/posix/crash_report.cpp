@@ -11,6 +11,7 @@
 #include <exception>
 #include <filesystem>
 #include <limits>
+#include <new>
 #include <span>
 #include <system_error>
 
@@ -78,6 +79,8 @@ void TakeSignals() {
     ::sigaltstack(&stack, nullptr);
 }
 
+constexpr int kNoMemory = 1;
+
 int AddModule(dl_phdr_info* info, std::size_t, void* modules) {
     std::uintptr_t lowest = std::numeric_limits<std::uintptr_t>::max();
     for (const auto& segment : std::span(info->dlpi_phdr, info->dlpi_phnum)) {
@@ -92,9 +95,18 @@ int AddModule(dl_phdr_info* info, std::size_t, void* modules) {
     return 0;
 }
 
+// No exception may pass through the loader.
+int AddModuleInMemory(dl_phdr_info* info, std::size_t size, void* modules) {
+    try {
+        return AddModule(info, size, modules);
+    } catch (const std::bad_alloc&) {
+        return kNoMemory;
+    }
+}
+
 std::vector<LoadedModule> LoadedModules() {
     std::vector<LoadedModule> modules;
-    ::dl_iterate_phdr(AddModule, &modules);
+    if (::dl_iterate_phdr(AddModuleInMemory, &modules) == kNoMemory) throw std::bad_alloc();
     return modules;
 }
 

@@ -1,9 +1,14 @@
 #include "platform/file_commands.h"
 
+#include <dirent.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "platform/posix/file_copy.h"
 #include "platform/posix/native_path.h"
@@ -22,6 +27,22 @@ bool Succeeded(ErrorRecord& error, const std::error_code& code) {
 
 bool Fail(ErrorRecord& error, std::errc code) {
     return Succeeded(error, std::make_error_code(code));
+}
+
+// The names in a folder; nothing where it cannot be read. The library's iterator ends the program
+// when it lacks memory.
+std::optional<std::vector<std::string>> NamesIn(ErrorRecord& error, const fs::path& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(folder.c_str()), ::closedir);
+    std::vector<std::string> names;
+    errno = open ? 0 : errno;
+    while (const dirent* const entry = open ? ::readdir(open.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+        errno = 0;
+    }
+    if (errno == 0) return names;
+    error = SystemError();
+    return std::nullopt;
 }
 
 bool CopyTree(ErrorRecord& error, const fs::path& from, const fs::path& to);
@@ -52,13 +73,10 @@ bool CopyEntry(ErrorRecord& error, const fs::path& from, const fs::path& to) {
 }
 
 bool CopyTree(ErrorRecord& error, const fs::path& from, const fs::path& to) {
-    std::error_code code;
-    fs::directory_iterator entry(from, code);
-    while (!code && entry != fs::directory_iterator()) {
-        if (!CopyEntry(error, entry->path(), to / entry->path().filename())) return false;
-        entry.increment(code);
-    }
-    return Succeeded(error, code);
+    const auto names = NamesIn(error, from);
+    return names && std::all_of(names->begin(), names->end(), [&](const std::string& name) {
+               return CopyEntry(error, from / name, to / name);
+           });
 }
 
 // Where a name leads, links resolved; the end of it need not exist.
@@ -142,10 +160,9 @@ bool RemoveOneFile(ErrorRecord& error, const String& file) {
 bool CopyFolderContent(ErrorRecord& error, const String& from, const String& to) {
     const auto source = NativePath(error, from);
     const auto target = source ? NativePath(error, to) : std::nullopt;
-    if (!target) return false;
+    if (!target || !NamesIn(error, *source)) return false;
     std::error_code code;
-    const fs::directory_iterator readable(*source, code);
-    if (!code) fs::create_directories(*target, code);
+    fs::create_directories(*target, code);
     return Succeeded(error, code) && CopyTree(error, *source, *target);
 }
 

@@ -16,13 +16,16 @@
 namespace platform {
 namespace {
 
-struct stat StatusOf(int descriptor) {
+std::optional<struct stat> StatusOf(int descriptor) {
     struct stat status {};
-    ::fstat(descriptor, &status);
+    if (::fstat(descriptor, &status) != 0) return std::nullopt;
     return status;
 }
 
-bool IsRegularFile(int descriptor) { return S_ISREG(StatusOf(descriptor).st_mode); }
+bool IsRegularFile(int descriptor) {
+    const auto status = StatusOf(descriptor);
+    return status && S_ISREG(status->st_mode);
+}
 
 // Opens `name`; -1, with errno set, when it cannot be opened.
 int OpenDescriptor(const std::string& name, int flags) {
@@ -52,8 +55,9 @@ public:
 
     std::optional<std::uint64_t> Size() override {
         if (waits_) return std::nullopt;
-        const struct stat status = StatusOf(descriptor_.Get());
-        return static_cast<std::uint64_t>(status.st_size);
+        const auto status = StatusOf(descriptor_.Get());
+        if (!status) return std::nullopt;
+        return static_cast<std::uint64_t>(status->st_size);
     }
 
 protected:
@@ -103,8 +107,8 @@ public:
 
     bool SeekEnd(ErrorRecord& error, std::uint64_t& position) override {
         position = 0;
-        const mode_t mode = StatusOf(descriptor_.Get()).st_mode;
-        if (!S_ISREG(mode) && !S_ISBLK(mode)) return true;
+        const auto status = StatusOf(descriptor_.Get());
+        if (status && !S_ISREG(status->st_mode) && !S_ISBLK(status->st_mode)) return true;
         const off_t end = ::lseek(descriptor_.Get(), 0, SEEK_END);
         if (end < 0) {
             error = SystemError();
@@ -139,19 +143,26 @@ bool LockForWriting(int descriptor) {
     return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-bool IsNamed(int descriptor, const std::string& name) {
+Named IsNamed(int descriptor, const std::string& name) {
     struct stat named {};
-    if (::stat(name.c_str(), &named) != 0) return false;
-    const struct stat open = StatusOf(descriptor);
-    return named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+    const auto open = StatusOf(descriptor);
+    if (!open) return Named::Unknown;
+    if (::stat(name.c_str(), &named) != 0) return errno == ENOENT ? Named::No : Named::Unknown;
+    const bool same = named.st_dev == open->st_dev && named.st_ino == open->st_ino;
+    return same ? Named::Yes : Named::No;
 }
 
 Descriptor OpenLocked(const std::string& name, int flags) {
     for (;;) {
         Descriptor descriptor(OpenDescriptor(name, flags));
-        if (descriptor.Get() < 0 || !IsRegularFile(descriptor.Get())) return descriptor;
+        if (descriptor.Get() < 0) return descriptor;
+        const auto status = StatusOf(descriptor.Get());
+        if (!status) return Descriptor(-1);
+        if (!S_ISREG(status->st_mode)) return descriptor;
         if (!LockForWriting(descriptor.Get())) return Descriptor(-1);
-        if (IsNamed(descriptor.Get(), name)) return descriptor;
+        const Named named = IsNamed(descriptor.Get(), name);
+        if (named == Named::Yes) return descriptor;
+        if (named == Named::Unknown) return Descriptor(-1);
     }
 }
 
@@ -177,8 +188,9 @@ std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& nam
         error = SystemError();
         return nullptr;
     }
-    if (S_ISDIR(StatusOf(descriptor.Get()).st_mode)) {
-        error = SystemError(EISDIR);
+    const auto status = StatusOf(descriptor.Get());
+    if (!status || S_ISDIR(status->st_mode)) {
+        error = SystemError(status ? EISDIR : errno);
         return nullptr;
     }
     return std::make_unique<PosixInputFile>(std::move(descriptor));
@@ -192,10 +204,10 @@ std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& n
     const auto native = NativePath(error, name);
     if (!native) return nullptr;
     Descriptor descriptor = OpenLocked(*native, WritingFlags(name, mode));
-    const bool opened = descriptor.Get() >= 0;
+    const auto status = descriptor.Get() < 0 ? std::nullopt : StatusOf(descriptor.Get());
     // Emptied only now that nobody else is writing it.
-    const bool empty = mode == Mode::Truncate && opened && IsRegularFile(descriptor.Get());
-    if (!opened || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {
+    const bool empty = mode == Mode::Truncate && status && S_ISREG(status->st_mode);
+    if (!status || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {
         error = SystemError();
         return nullptr;
     }

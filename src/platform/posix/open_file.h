@@ -17,8 +17,9 @@ bool LockForWriting(int descriptor);
 // between the two, as what is written then would have no name. -1, with errno set, on failure.
 Descriptor OpenLocked(const std::string& name, int flags);
 
-// Whether `name` leads to the open file.
-bool IsNamed(int descriptor, const std::string& name);
+// Whether `name` leads to the open file. Unknown, with errno, where the system does not tell.
+enum class Named { Yes, No, Unknown };
+Named IsNamed(int descriptor, const std::string& name);
 
 // The file behind a descriptor that is open for reading and writing.
 std::unique_ptr<OutputFile> OutputFileOn(Descriptor descriptor);

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 namespace platform {
 
@@ -24,7 +25,7 @@ Descriptor PartFile::Create() {
         name = NextName();
         number = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     } while (number < 0 && errno == EEXIST);
-    if (number >= 0) name_ = name;
+    if (number >= 0) name_ = std::move(name);
     return Descriptor(number);
 }
 
@@ -41,7 +42,7 @@ bool PartFile::CreateLink(const fs::path& link) {
         name = NextName();
         result = ::symlink(leads_to.c_str(), name.c_str());
     } while (result != 0 && errno == EEXIST);
-    if (result == 0) name_ = name;
+    if (result == 0) name_ = std::move(name);
     return result == 0;
 }
 

@@ -70,15 +70,24 @@ bool RemoveLeftOver(const fs::path& part) {
     if (!S_ISREG(status.st_mode)) return FailWith(EEXIST);
     if (!LockForWriting(left.Get())) return false;
     // Whoever removes one holds its lock, so nobody else's can be under the name by now.
-    return !IsNamed(left.Get(), part) || ::unlink(part.c_str()) == 0;
+    const Named named = IsNamed(left.Get(), part.native());
+    return named == Named::No || (named == Named::Yes && ::unlink(part.c_str()) == 0);
 }
 
 // A new file, locked; -1 with errno, EWOULDBLOCK when another run holds the one that is there.
+// Throws nothing: nobody would know of a file that has just been made.
 Descriptor CreateLocked(const fs::path& part, mode_t rights) {
     for (;;) {
         Descriptor made(::open(part.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights));
         const bool own = made.Get() >= 0 && LockForWriting(made.Get());
-        if (own && IsNamed(made.Get(), part)) return made;
+        const Named named = own ? IsNamed(made.Get(), part.native()) : Named::No;
+        if (named == Named::Yes) return made;
+        if (named == Named::Unknown) {
+            const int reason = errno;
+            ::unlink(part.c_str());
+            FailWith(reason);
+            return Descriptor(-1);
+        }
         const bool taken = made.Get() >= 0 || errno == EEXIST;  // by one who looks at what is left
         if (!taken || !RemoveLeftOver(part)) return Descriptor(-1);
     }
@@ -133,16 +142,19 @@ public:
     bool Create(Descriptor old) {
         constexpr mode_t kNewFileMode = 0666;  // less the user's umask
         const SignalsHeld held;
+        removed_.emplace(part_.native());  // before there is a file, as it may lack memory
         file_.emplace(CreateLocked(part_, old.Get() < 0 ? kNewFileMode : S_IRUSR | S_IWUSR));
-        if (file_->Get() < 0) return false;
-        removed_.emplace(part_.native());
+        if (file_->Get() < 0) {
+            removed_.reset();
+            return false;
+        }
         old_.emplace(std::move(old));
         return old_->Get() < 0 || MakeLike(file_->Get(), old_->Get());
     }
 
     bool IsFor(const String& name) const override {
         const auto target = Behind(ToNativeBytes(name));
-        return target && IsNamed(file_->Get(), PartOf(*target));
+        return target && IsNamed(file_->Get(), PartOf(*target).native()) == Named::Yes;
     }
 
     std::unique_ptr<OutputFile> Open(ErrorRecord& error) override {

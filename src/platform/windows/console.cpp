@@ -54,6 +54,10 @@ bool WriteOutputText(StringView text) { return WriteText(::GetStdHandle(STD_OUTP
 
 void WriteErrorText(StringView text) { WriteText(::GetStdHandle(STD_ERROR_HANDLE), text); }
 
+void WriteErrorBytes(std::string_view bytes) {
+    WriteFully(::GetStdHandle(STD_ERROR_HANDLE), std::as_bytes(std::span(bytes)));
+}
+
 StringView LineEnd() { return u"\r\n"; }
 
 }  // namespace platform
