@@ -17,7 +17,7 @@ constexpr KeyTable kKeys({
      .macros = Macros::Replaced,
      .names = Names::Table,
      .needed = u"table"},
-    {.name = u"Delimiter", .meaning = u"what ends a statement"},
+    {.name = u"Delimiter", .meaning = u"what ends a statement", .own = true},
     {.name = u"InsertMode",
      .kind = KeyKind::Word,
      .words = u"Literal Bound",

@@ -23,6 +23,7 @@ constexpr KeyTable kScriptKeys({
     {.name = u"Delimiter",
      .edition2 = sql::SqlDialect::StatementEnd(),
      .meaning = u"what ends a statement",
+     .own = true,
      .defaults = u"1: empty with SqlDialect=Plain, else `;`; 2: `;`"},
 });
 constexpr Key kTable = kScriptKeys[u"Table"];

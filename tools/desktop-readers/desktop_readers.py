@@ -5,7 +5,9 @@ import argparse
 import csv
 import os
 import pathlib
+import shutil
 import signal
+import sqlite3
 import subprocess
 import sys
 import unittest
@@ -13,6 +15,7 @@ import unittest
 from support import (NAMES, ROWS, ReaderTest, TableReader, is_sheet_number, page_rows,
                      plain_line_ends, texts)
 
+EXAMPLE = pathlib.Path(__file__).resolve().parent.parent.parent / "examples/every-target"
 MARK = b"\xef\xbb\xbf"
 RTF_HEAD = rb"{\rtf\ansi"
 FEW_COLUMNS = "select id, name, visits, balance, city, note from customer order by id"
@@ -125,6 +128,20 @@ class Desktop(ReaderTest):
         self.assertTrue(written.startswith(RTF_HEAD))
         path.write_bytes(written.replace(RTF_HEAD, RTF_HEAD + rb"\ansicpg65001", 1))
         self.assertEqual(self.document_rows(path), self.expected_rows(NAMES, ROWS))
+
+    def test_strict_documents(self):
+        """Those of an example, to be looked at."""
+        if not self.keep:
+            self.skipTest("only with --keep")
+        folder = self.path / "example"
+        shutil.copytree(EXAMPLE, folder)
+        with sqlite3.connect(folder / "data.db") as database:
+            database.executescript((folder / "setup.sql").read_text(encoding="utf-8"))
+        subprocess.run([self.program, "-config=job.qpr", "-silent"], cwd=folder, check=True)
+        self.keep_first_page(folder / "article.xls.xml", "strict-sheet")
+        self.keep_first_page(folder / "article.rtf", "strict-rtf")
+        self.browse(folder / "article.html", f"--screenshot={self.keep / 'strict-page.png'}",
+                    "--window-size=700,300")
 
     def test_marked_document_is_refused(self):
         """When a version does better, the documents may stop asking to take the mark away."""

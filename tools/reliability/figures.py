@@ -6,9 +6,10 @@ In the page a figure is
     <!-- run: COMMAND -->
     <!-- end -->
 
-COMMAND is a line for bash, run at the root of the sources; what it writes to standard output goes
-between the two lines, with the command, the commit and the system. A command that fails, or whose
-program is not there, leaves its figure as it was and ends the script with status 1."""
+COMMAND is a line for bash, run at the root of the sources. What it writes to standard output goes
+between the two lines, with the command, the commit and the system: as a block of code, or as it is
+when it is a table. A command that fails, or whose program is not there, leaves its figure as it was
+and ends the script with status 1."""
 import argparse
 import datetime
 import os
@@ -45,7 +46,10 @@ def figure(command):
     if ended.returncode != 0 or not ended.stdout.strip():
         print(f"status {ended.returncode}: the figure stays as it was", file=sys.stderr)
         return None
-    lines = [f"$ {command}", *ended.stdout.rstrip().splitlines(), f"({place()})"]
+    said = ended.stdout.strip("\n").splitlines()
+    if all(line.startswith("|") for line in said):  # a table of Markdown
+        return "\n".join(["", f"`{command}`, {place()}:", "", *said, "", ""])
+    lines = [f"$ {command}", *said, f"({place()})"]
     return "\n" + "".join(f"    {line}".rstrip() + "\n" for line in lines) + "\n"
 
 
