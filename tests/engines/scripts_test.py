@@ -6,7 +6,8 @@ import decimal
 import random
 import re
 
-from support import EngineTest, MariaDb, Postgres, Sqlite, client, run_tests, section, source
+from support import (EngineTest, MariaDb, Postgres, Sqlite, client, quoted, run_tests, section,
+                     source)
 
 TEXTS = ("'O''Brien ''\"`'", r"'\'", r"'C:\new\r\''; drop table t; -- '", "'a\r\nb\rc\n'", "'\n'",
          "'\\13.\\10.\r\n'", "''", "null", "'😀 Zażółć'", "':x $1 %s ?'", "'a\tb'", "'\\\n.quit\ngo\n/'",
@@ -46,10 +47,6 @@ def rows_of(columns):
     return ", ".join("(" + ", ".join(str(values[row % len(values)])
                                      for _, values in columns.values()) + ")"
                      for row in range(count))
-
-
-def quoted(name):
-    return '"' + name.replace('"', '""') + '"'
 
 
 def table_script(name, columns):
@@ -95,11 +92,6 @@ class Shell:
         return script
 
 
-def ask_mariadb(made, query):
-    return [[None if value == "NULL" else value for value in line.split("\t")]
-            for line in made.client(made.name, query).split("\n")[:-1]]
-
-
 def mariadb(made, script):
     client("mariadb", "--no-defaults", "--protocol=tcp", *made.server,
            "--default-character-set=utf8mb4", made.name, input=script)
@@ -113,7 +105,7 @@ SHELLS = {
                     Postgres.query, "encode(convert_to({}, 'UTF8'), 'hex')", "encode({}, 'hex')",
                     "{}::int", RAW="bytea", WIDE="12345678901234567890.0123456789",
                     HEX="'\\x00ff2700'", TIMESTAMP="timestamp"),
-    MariaDb: Shell("MySQL", mariadb, ask_mariadb, "hex({})", "hex({})", mark="`", RAW="blob",
+    MariaDb: Shell("MySQL", mariadb, MariaDb.query, "hex({})", "hex({})", mark="`", RAW="blob",
                    WIDE="-12345678901234567890.0123456789", HEX="x'00ff2700'",
                    TIMESTAMP="datetime(6)"),
 }
