@@ -70,7 +70,7 @@ stop_servers() {
 }
 
 packages=("${program_packages[@]}" libgtest-dev googletest libbenchmark-dev python3 strace
-    jq libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format clang-tidy)
+    jq libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format clang-tidy clang libclang-rt-14-dev)
 $windows && packages+=(g++-mingw-w64-x86-64-posix wine wine64)
 install_packages "${packages[@]}" || { echo "0 passed, 1 failed"; exit 1; }
 
@@ -84,6 +84,8 @@ check "build linux" build linux -DQUILLON_BENCHMARKS=ON
 check "build linux-asan" build linux-asan
 $windows && check "build windows" build windows
 check "lint" scripts/lint.sh build/linux
+check "fault proof" tools/fault-proof/fault_proof.py build/linux/quillon --short
+check "fuzz" fuzz/run.sh
 check "start PostgreSQL and MariaDB" start_servers
 run_tests linux
 run_tests linux-asan
