@@ -14,10 +14,10 @@ namespace {
 constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 
 // Drivers tell these where a declared type has no size: SQLite's and PostgreSQL's of texts,
-// PostgreSQL's of decimal numbers.
+// PostgreSQL's of decimal numbers, with the digits of the rows that it has read so far.
 constexpr std::int32_t kUnsizedText = 255;
 constexpr std::int32_t kUnsizedDecimal = 28;
-constexpr std::int32_t kUnsizedDecimalDigits = 6;
+constexpr StringView kUnsizedDecimalName = u"numeric";
 
 struct Size {
     std::int64_t length;
@@ -45,8 +45,8 @@ std::optional<Size> DecimalSize(const ColumnDefinition& column) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
     const bool is_real = !IsToldAsDouble(column) && column.Length > 0 && column.Digits >= 0 &&
                          column.Length != kUnsizedText;
-    const bool is_unsized =
-        column.Length == kUnsizedDecimal && column.Digits == kUnsizedDecimalDigits;
+    const bool is_unsized = column.Length == kUnsizedDecimal &&
+                            text::EqualsIgnoringCase(column.TypeName, kUnsizedDecimalName);
     if (!is_real || is_unsized) return std::nullopt;
     return Size{column.Length, column.Digits};
 }

@@ -4,7 +4,8 @@ from the scripts of tables and rows. SQLite always takes part, PostgreSQL and Ma
 QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
 import re
 
-from support import EngineTest, MariaDb, Postgres, Sqlite, run_tests, section, source, text_files
+from support import (EngineTest, MariaDb, Postgres, Sqlite, quoted, run_tests, section, source,
+                     text_files)
 
 # Each is a table's name and, in its only row, a value. The lone quote comes last: in a job file
 # what follows it, up to the next one, counts as quoted.
@@ -44,11 +45,6 @@ insert into unicode values (1, 'emoji 😀 and 👩‍👩‍👧', 'ab'), (2, '
     (3, '', null), (4, null, 'xyz');
 insert into "UPPER lower" values (1, true, 99999999999.125), (2, false, null), (3, null, -0.5);
 """
-
-
-def quoted(name):
-    doubled = name.replace('"', '""')
-    return f'"{doubled}"'
 
 
 def named_table(name):

@@ -17,6 +17,10 @@ csv.field_size_limit(sys.maxsize)
 EDITION_2 = "Globals\nEdition=2\n"
 
 
+def quoted(name):
+    return '"' + name.replace('"', '""') + '"'
+
+
 def client(*command, **options):
     """Runs a database's client, which must succeed; returns what it says."""
     done = subprocess.run(command, capture_output=True, timeout=120, env=ENVIRONMENT, **options)
@@ -49,7 +53,7 @@ class Sqlite:
             return connection.execute(query).fetchall()
 
     def rows(self, table):
-        return self.query(f'select * from "{table}" order by 1')
+        return self.query(f"select * from {quoted(table)} order by 1")
 
     def drop(self):
         """The folder goes, and the database with it."""
@@ -99,7 +103,7 @@ class Postgres(Server):
                 for row in csv.reader(io.StringIO(said, newline=""))]
 
     def rows(self, table):
-        return self.query(f'select * from "{table}" order by 1')
+        return self.query(f"select * from {quoted(table)} order by 1")
 
     @staticmethod
     def user(name):
@@ -129,12 +133,19 @@ class MariaDb(Server):
                       "set sql_mode=concat(@@sql_mode,',ANSI_QUOTES,NO_BACKSLASH_ESCAPES')",
                       "--binary-mode", database, input=script.encode())
 
+    def query(self, query):
+        """Values without line ends, tabs and backslashes."""
+        return [[None if value == "NULL" else value for value in line.split("\t")]
+                for line in self.client(self.name, query).split("\n")[:-1]]
+
     def rows(self, table):
+        literal = table.replace("'", "''")
         names = self.client(self.name, "select column_name from information_schema.columns where "
-                            f"table_schema = database() and table_name = '{table}' "
+                            f"table_schema = database() and table_name = '{literal}' "
                             "order by ordinal_position").splitlines()
-        values = ",".join(f"""coalesce(concat('=', "{name}"), '')""" for name in names)
-        said = self.client(self.name, f'select {values} from "{table}" order by "{names[0]}"')
+        values = ",".join(f"coalesce(concat('=', {quoted(self.value('=' + name))}), '')"
+                          for name in names)
+        said = self.client(self.name, f"select {values} from {quoted(table)} order by 1")
         return [tuple(self.value(field) for field in line.split("\t"))
                 for line in said.split("\n")[:-1]]
 

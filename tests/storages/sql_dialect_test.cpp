@@ -47,6 +47,10 @@ const TypeCase kTypes[] = {
      "decimal(12,3)|decimal(12,3)|numeric(12,3)|decimal(12,3)|decimal(12,3)"},
     {kSqlNumeric, u"numeric", 28, 30, 6,
      "decimal(28,6)|text|numeric|decimal(65,30)|decimal(38,12)"},
+    {kSqlNumeric, u"numeric", 28, 30, 1,  // of the rows read so far
+     "decimal(28,6)|text|numeric|decimal(65,30)|decimal(38,12)"},
+    {kSqlDecimal, u"decimal", 28, 30, 1,
+     "decimal(28,1)|text|numeric(28,1)|decimal(28,1)|decimal(28,1)"},
     {kSqlDecimal, u"decimal", 65, 67, 30,
      "decimal(65,30)|text|numeric(65,30)|decimal(65,30)|nvarchar(max)"},
     {kSqlVarchar, u"decimal(9,2)", 2, 9, 10,
