@@ -155,7 +155,7 @@ TEST(TableLoad, DoesNotTakeALostConnectionForBadRows) {
 TEST(TableLoad, RefusesDatabasesWithoutTransactions) {
     Notebook notebook;
     notebook.kind = TransactionKind::None;
-    for (const std::uint64_t commit_rows : {0, 1, 5}) {
+    for (const std::uint64_t commit_rows : {0U, 1U, 5U}) {
         TableLoad load;
         const TableLoad::Rules rules{.commit_rows = commit_rows,
                                      .bad_row = TableLoad::BadRow::Stop,
