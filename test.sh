@@ -79,7 +79,7 @@ stop_servers() {
 
 packages=("${program_packages[@]}" libgtest-dev googletest libbenchmark-dev python3 strace
     jq parallel libxml2-utils odbc-postgresql postgresql odbc-mariadb mariadb-server clang-format
-    clang-tidy debhelper lintian debootstrap)
+    clang-tidy clang libclang-rt-14-dev debhelper lintian debootstrap)
 package_options=(--native)
 if $windows; then
     packages+=(g++-mingw-w64-x86-64-posix wine wine64 zip unzip)
@@ -97,6 +97,8 @@ check "build linux" build linux -DQUILLON_BENCHMARKS=ON
 check "build linux-asan" build linux-asan
 $windows && check "build windows" build windows
 check "lint" scripts/lint.sh build/linux
+check "fault proof" tools/fault-proof/fault_proof.py build/linux/quillon --short
+check "fuzz" fuzz/run.sh
 check "start PostgreSQL and MariaDB" start_servers
 run_tests linux
 run_tests linux-asan

@@ -1,17 +1,17 @@
-// Any bytes as a job file of either edition: they load and are checked, or are refused with a
-// message.
+// Any bytes as a job file with its includes: they load and are checked, or are refused with a
+// message. Lines of "===" part the job from what "@include a.inc" and "@include b.inc" find.
 #include "check/job_check.h"
 #include "check/secret_mask.h"
 #include "config/configuration.h"
-#include "memory_file.h"
+#include "scratch_folder.h"
 
 namespace {
 
-void LoadAndCheck(const String& name, const String& edition) {
+void LoadAndCheck(const String& edition) {
     Configuration configuration;
     configuration.ParseCommandLine({u"-Edition=" + edition});
     String error;
-    if (!configuration.Read(error, name)) {
+    if (!configuration.Read(error, u"job.qpr")) {
         if (error.empty()) __builtin_trap();
         return;
     }
@@ -27,11 +27,24 @@ void LoadAndCheck(const String& name, const String& edition) {
     }
 }
 
+// The part of the text up to the next line of "===", which is taken off with it.
+std::string_view TakePart(std::string_view& text) {
+    constexpr std::string_view kParting = "===\n";
+    const std::size_t end = text.find(kParting);
+    const std::string_view part = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + kParting.size());
+    return part;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const MemoryFile file(data, size);
-    LoadAndCheck(file.Name(), u"1");
-    LoadAndCheck(file.Name(), u"2");
+    ScratchFolder::Enter();
+    std::string_view text(reinterpret_cast<const char*>(data), size);
+    for (const char* const name : {"job.qpr", "a.inc", "b.inc"}) {
+        ScratchFolder::Write(name, TakePart(text));
+    }
+    LoadAndCheck(u"1");
+    LoadAndCheck(u"2");
     return 0;
 }

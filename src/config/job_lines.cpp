@@ -167,25 +167,32 @@ bool LoadStrict(String& error, const String& path, const FileOpener& open, JobLi
 
 // ---- The tolerant way ----
 
-void LoadTolerantFile(const String& path, std::size_t depth, const FileOpener& open,
+// chain: the files that are being read. One that includes itself is not read again: twice in each
+// of 16 would be 65,536 times in all.
+void LoadTolerantFile(const String& path, const FileOpener& open, std::vector<String>& chain,
                       JobLines& job) {
+    if (chain.size() > kDeepestInclude) return;
+    if (std::find(chain.begin(), chain.end(), path) != chain.end()) return;
     String content;
     ErrorRecord ignored;
     if (!LoadStrictText(ignored, path, content, open) &&
         !LoadWholeText(ignored, path, content, Encoding::Ansi, open)) {
         return;
     }
+    chain.push_back(path);
     for (const StringView line : SplitIntoLines(content)) {
-        if (!line.starts_with(kInclude)) {
+        if (line.starts_with(kInclude)) {
+            LoadTolerantFile(IncludedName(line), open, chain, job);
+        } else {
             job.lines.push_back({String(line), {}});
-        } else if (depth < kDeepestInclude) {
-            LoadTolerantFile(IncludedName(line), depth + 1, open, job);
         }
     }
+    chain.pop_back();
 }
 
 bool LoadTolerant(String& /*error*/, const String& path, const FileOpener& open, JobLines& job) {
-    LoadTolerantFile(path, 0, open, job);
+    std::vector<String> chain;
+    LoadTolerantFile(path, open, chain, job);
     return true;
 }
 

@@ -41,5 +41,6 @@ extern const JobFileRules kLooseJobFile;
 extern const JobFileRules kStrictJobFile;
 
 // Reads what can be read by the strict rules, before the edition is known. Includes that are
-// missing or lead too deep are left out, and bytes that are no UTF-8 are characters of their own.
+// missing, lead too deep or include themselves are left out, and bytes that are no UTF-8 are
+// characters of their own.
 extern const JobFileRules kTolerantJobFile;

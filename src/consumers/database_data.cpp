@@ -1,6 +1,7 @@
 #include "consumers/database_data.h"
 
 #include <algorithm>
+#include <new>
 
 #include "consumers/column_match.h"
 #include "consumers/literal_rows.h"
@@ -98,7 +99,13 @@ constexpr Key kMaxRejects = kKeys[u"MaxRejects"];
 
 KeyList DatabaseData::Keys() { return {kKeys, DataStorages::ConnectionSettings::Keys()}; }
 
-DatabaseData::~DatabaseData() { TakeBack(); }
+DatabaseData::~DatabaseData() {
+    try {
+        TakeBack();
+    } catch (const std::bad_alloc&) {
+        // The end of the connection takes back what its transaction holds.
+    }
+}
 
 // ---- Opening ----
 

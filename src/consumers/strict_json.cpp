@@ -5,8 +5,8 @@
 
 #include "base/notices.h"
 #include "consumers/escaping.h"
-#include "files/number_text.h"
 #include "files/format.h"
+#include "files/number_text.h"
 #include "files/text.h"
 
 namespace DataConsumers {

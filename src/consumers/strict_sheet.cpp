@@ -4,8 +4,8 @@
 
 #include "base/utf16.h"
 #include "consumers/cell_date.h"
-#include "files/number_text.h"
 #include "files/format.h"
+#include "files/number_text.h"
 #include "files/text.h"
 #include "files/unit_search.h"
 

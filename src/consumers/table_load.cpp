@@ -4,7 +4,7 @@
 
 namespace DataConsumers {
 
-bool TableLoad::Open(String& error, DataStorages::StorageDatabase& database, const Rules& rules) {
+bool TableLoad::Open(String& error, DataStorages::Transactional& database, const Rules& rules) {
     database_ = &database;
     rules_ = rules;
     inserted_ = skipped_ = in_transaction_ = 0;

@@ -9,7 +9,7 @@
 #include "consumers/field_writer.h"
 #include "files/reject_file.h"
 #include "storages/row_sender.h"
-#include "storages/storage_database.h"
+#include "storages/transactional.h"
 
 namespace DataConsumers {
 
@@ -28,7 +28,7 @@ public:
 
     // Begins the first transaction. Fails with "The database knows no transactions: set
     // CommitRows=1." or the database's message.
-    bool Open(String& error, DataStorages::StorageDatabase& database, const Rules& rules);
+    bool Open(String& error, DataStorages::Transactional& database, const Rules& rules);
     // What sends the rows from now on. Those of the sender before have been sent.
     void Use(std::unique_ptr<DataStorages::RowSender> sender);
 
@@ -70,7 +70,7 @@ private:
     bool NoteSent(String& error, std::size_t rows);
     Gathered Noted(const RowSet& rows) const;
 
-    DataStorages::StorageDatabase* database_ = nullptr;
+    DataStorages::Transactional* database_ = nullptr;
     Rules rules_;
     std::unique_ptr<DataStorages::RowSender> sender_;
     std::unique_ptr<FieldWriter> record_writer_;  // where rows are set aside

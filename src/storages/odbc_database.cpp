@@ -215,8 +215,7 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
 
 void ODBCDatabase::DescribeResult(RowSet& rows) {
     column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
-    const bool shows_bits = method_.bytes_as_digits && Habits().bits;
-    reader_ = MakeRowReader(method_, shows_bits, connection_.Get(), statement_.Get(), rows.Columns,
+    reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
                             value_buffer_);
 }
 
@@ -256,7 +255,7 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
 
 String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
 
-const InsertHabits& ODBCDatabase::Habits() const {
+const DriverHabits& ODBCDatabase::Habits() const {
     return HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
 }
 
@@ -322,7 +321,7 @@ bool ODBCDatabase::CharactersAreUtf8(StringView query) {
 }
 
 std::unique_ptr<RowSender> ODBCDatabase::MakeSender(const InsertTarget& target) {
-    const InsertHabits& habits = Habits();
+    const DriverHabits& habits = Habits();
     const ODBCInsert::Session session{.environment = environment_.Get(),
                                       .connection = connection_.Get(),
                                       .narrow = narrow_driver_,

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "storages/insert_habits.h"
+#include "storages/driver_habits.h"
 #include "storages/odbc_catalogue.h"
 #include "storages/odbc_environment.h"
 #include "storages/odbc_handle.h"
@@ -103,7 +103,7 @@ private:
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();
-    const InsertHabits& Habits() const;
+    const DriverHabits& Habits() const;
     bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
     bool CharactersAreUtf8(StringView query);

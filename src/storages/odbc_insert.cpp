@@ -54,7 +54,7 @@ SQLPOINTER NumberPointer(std::size_t number) {
 
 }  // namespace
 
-ODBCInsert::ODBCInsert(InsertTarget target, const InsertHabits& habits, const Session& session)
+ODBCInsert::ODBCInsert(InsertTarget target, const DriverHabits& habits, const Session& session)
     : target_(std::move(target)), habits_(habits), session_(session) {
     for (const ColumnDefinition& column : target_.columns) {
         cells_.push_back({.column = column,

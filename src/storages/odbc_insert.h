@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "storages/insert_habits.h"
+#include "storages/driver_habits.h"
 #include "storages/odbc_handle.h"
 #include "storages/row_sender.h"
 
@@ -26,7 +26,7 @@ public:
         bool utf8 = false;    // its narrow texts are UTF-8
     };
 
-    ODBCInsert(InsertTarget target, const InsertHabits& habits, const Session& session);
+    ODBCInsert(InsertTarget target, const DriverHabits& habits, const Session& session);
 
     bool Fits(const RowSet& rows) const override;
     bool Add(String& error, const RowSet& rows) override;
@@ -79,7 +79,7 @@ private:
     String StatementFor(std::size_t rows) const;
 
     const InsertTarget target_;
-    const InsertHabits& habits_;
+    const DriverHabits& habits_;
     const Session session_;
     std::vector<Cells> cells_;
     std::size_t most_rows_ = 1;          // that the settings and the driver allow

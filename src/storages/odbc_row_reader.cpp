@@ -17,14 +17,14 @@ constexpr std::int32_t kLongestCellUnits = 4'000;
 using ValueRead = ODBCValueBuffer::Outcome (ODBCValueBuffer::*)(void*, std::uint16_t, String&);
 using ValueReads = std::vector<ValueRead>;  // of the columns
 
-ValueReads ReadsOf(const ReadingMethod& method, bool shows_bits,
+ValueReads ReadsOf(const ReadingMethod& method, const DriverHabits& habits,
                    const std::vector<ColumnDefinition>& columns) {
     ValueReads reads;
     for (const ColumnDefinition& column : columns) {
         const ColumnKind kind = method.bytes_as_digits ? KindOf(column) : ColumnKind::Text;
         if (kind == ColumnKind::Binary) {
             reads.push_back(&ODBCValueBuffer::ReadBytes);
-        } else if (kind == ColumnKind::Bit && shows_bits) {
+        } else if (kind == ColumnKind::Bit && habits.bits) {
             reads.push_back(&ODBCValueBuffer::ReadBit);
         } else if (method.whole_values) {
             reads.push_back(&ODBCValueBuffer::ReadWhole);
@@ -247,13 +247,17 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abili
 
 }  // namespace
 
-std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, bool shows_bits,
-                                             void* connection, void* statement,
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method,
+                                             const DriverHabits& habits, void* connection,
+                                             void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer) {
-    const ValueReads reads = ReadsOf(method, shows_bits, columns);
+    const ValueReads reads = ReadsOf(method, habits, columns);
+    const bool may_overrun =
+        habits.overruns && std::any_of(columns.begin(), columns.end(),
+                                       [](const auto& column) { return CellUnits(column) == 0; });
     std::unique_ptr<ODBCRowReader> reader;
-    if (method.in_blocks) {
+    if (method.in_blocks && !may_overrun) {
         SQLUINTEGER abilities = 0;
         SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
         reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, reads);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/row_set.h"
+#include "storages/driver_habits.h"
 #include "storages/odbc_value_buffer.h"
 #include "storages/storage_database.h"
 
@@ -26,10 +27,10 @@ public:
 
 // The reader that the method asks for, or the one that asks for each value where the driver or the
 // columns do not allow blocks.
-// shows_bits: the driver hands over bits as characters of their number
 // connection: of the statement; buffer: takes long values
-std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method, bool shows_bits,
-                                             void* connection, void* statement,
+std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method,
+                                             const DriverHabits& habits, void* connection,
+                                             void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer);
 

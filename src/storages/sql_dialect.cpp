@@ -309,7 +309,8 @@ void SqlDialect::AppendName(String& statement, const TableName& name) const {
     bool begun = false;
     for (const String& piece : name) {
         if (begun) statement += u'.';
-        if (!piece.empty()) AppendName(statement, StringView(piece));
+        const StringView name_of_piece = piece;
+        if (!piece.empty()) AppendName(statement, name_of_piece);
         begun = begun || !piece.empty();
     }
 }

@@ -9,6 +9,7 @@
 #include "core/row_set.h"
 #include "storages/row_sender.h"
 #include "storages/storage.h"
+#include "storages/transactional.h"
 
 namespace DataStorages {
 
@@ -46,14 +47,11 @@ struct ReadingMethod {
     bool bytes_as_digits = false;
 };
 
-// What a transaction of a database can take back: nothing, rows, or tables that are made, too.
-enum class TransactionKind { None, Rows, All };
-
 enum class TableKind { Tables = 0, Views = 1 };
 
 // A database: statements go in, result sets come out. Operations return false on failure and say
 // why in `error`, the first argument; nothing is thrown.
-class StorageDatabase : public Quillon::Storage {
+class StorageDatabase : public Quillon::Storage, public Transactional {
 public:
     // Connects to a data source name, or by a connect string.
     virtual bool Open(String& error, const String& source, const String& login,
@@ -90,18 +88,6 @@ public:
 
     // Which database it is, as it calls itself: "PostgreSQL".
     virtual String Product() const = 0;
-    virtual TransactionKind Transactions() const = 0;
-    // From now on all that is executed belongs to a transaction, until Commit or Rollback end it
-    // and begin the next one.
-    virtual bool BeginTransactions(String& error) = 0;
-    // From now on each statement is a transaction, as it is after Open.
-    virtual bool EndTransactions(String& error) = 0;
-    virtual bool Commit(String& error) = 0;
-    virtual bool Rollback(String& error) = 0;
-    // Marks a place in the transaction, takes the mark away, or goes back to it and takes it away.
-    virtual bool SetSavepoint(String& error) = 0;
-    virtual bool ReleaseSavepoint(String& error) = 0;
-    virtual bool RollbackToSavepoint(String& error) = 0;
     // What sends rows as parameters. It goes before the connection is closed.
     virtual std::unique_ptr<RowSender> MakeSender(const InsertTarget& target) = 0;
 

@@ -2,8 +2,9 @@
 """Scripts in the dialect of each engine: its own client runs them as they are, and the tables that
 they make hold the rows that were there. SQLite always takes part, PostgreSQL and MariaDB where
 QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
-import re
 import decimal
+import random
+import re
 
 from support import (EngineTest, MariaDb, Postgres, Sqlite, client, quoted, run_tests, section,
                      source)
@@ -142,6 +143,22 @@ class Scripts:
         row = dict(zip(columns, shell.read(taker, NAME, columns)[0]))
         self.assertEqual([row["it's `q\"u]o[te"], row["key"], row["yes"]],
                          ["it's \\ \"7\"\r\n".encode().hex(), -7, 1])
+
+    def test_random_texts(self):
+        random_text = random.Random(7)  # the same at each run
+        pieces = ["'", "''", '"', "\\", "\\13.", "\\10.", "\\13.1.", "\r", "\n", "\r\n", "1.", "13.", "n",
+                  "r", "0", "\x1a", "\t", ";", "--", "/*", "$$", ":a", "go", ".quit", "\\q", "😀", "ß"]
+        texts = ["".join(random_text.choices(pieces, k=random_text.randrange(12)))
+                 for _ in range(500)]
+        made = self.database("create table t (id integer, text text)", "random", Sqlite)
+        made.run("".join("insert into t values ({}, cast(x'{}' as text));".format(
+            number, text.encode().hex()) for number, text in enumerate(texts)))
+        taker = self.database(name="taker")
+        self.carry(made, taker)
+        columns = {"id": ("integer", ()), "text": ("text", ())}
+        self.assertEqual(SHELLS[self.engine].read(taker, "t", columns),
+                         [(number, plain(text.encode().hex()))
+                          for number, text in enumerate(texts)])
 
     def test_number_that_is_none(self):
         made = self.database("create table t (no integer); "

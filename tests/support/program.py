@@ -15,6 +15,8 @@ import unittest
 
 WINDOWS = "--windows" in sys.argv
 COMMAND = []
+# What drivers lose is none of the program's business.
+LEAKS = f"suppressions={pathlib.Path(__file__).with_name('driver_leaks.txt')}:print_suppressions=0"
 
 
 class Ended(typing.NamedTuple):
@@ -52,7 +54,7 @@ def run(folder, *arguments, environment=None, **options):
     with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
         ended = subprocess.run(  # system messages in English
             [*COMMAND, *arguments], cwd=folder, timeout=120,
-            env=os.environ | {"LC_ALL": "C.UTF-8"} | (environment or {}),
+            env=os.environ | {"LC_ALL": "C.UTF-8", "LSAN_OPTIONS": LEAKS} | (environment or {}),
             **{"stdout": output, "stderr": errors} | options)
         output.seek(0)
         errors.seek(0)

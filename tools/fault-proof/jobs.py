@@ -14,6 +14,7 @@ class Job:
     targets: tuple = ("out",)   # files that it makes or replaces
     in_place: tuple = ()        # those of them that it does not replace as a whole
     tables: tuple = ()          # (database file or None for the driver's store, table)
+    withheld: tuple = ()        # what the driver's silence about a failure leaves
     stdin: str = ""             # the file that standard input is
     printed: bool = False       # standard output holds data
     edition: int = 2
@@ -138,7 +139,8 @@ EITHER = [
         + target("TextFile", "OneFilePerResultSet=1\n", "$TABLE$.out"),
         targets=("item.out", "other.out")),
     Job("schema to DDL script", "Step 1\nSource\nType=DatabaseSchema\nObjectType=AllTables\n" +
-        SQLITE + "WithColumns=1\n" + target("DDLScript", "Table=$TABLE$\n")),
+        SQLITE + "WithColumns=1\n" + target("DDLScript", "Table=$TABLE$\n"),
+        withheld=([b")\r\n"], [b""])),
     Job("schema of a table to text", "Step 1\nSource\nType=DatabaseSchema\nObjectType=Table\n"
         "Name=item\n" + SQLITE + target("TextFile")),
     Job("list of drivers to text", "Step 1\nSource\nType=ODBCDriverList\n" + target("TextFile")),

@@ -110,10 +110,9 @@ def on_full_disk(trial, disk):
 
 def under_limit(trial):
     """The limit is in every write of a row."""
-    limits = range(1, len(trial.new), max(len(trial.new) // POSITIONS, 1))
+    limits = range(len(OLD), len(trial.new), max(len(trial.new) // POSITIONS, 1))
     for limit in limits:
-        if limit >= len(OLD):
-            trial.fill(f"a limit of {limit} bytes", b"File too large", limit)
+        trial.fill(f"a limit of {limit} bytes", b"File too large", limit)
     return len(limits)
 
 

@@ -77,8 +77,9 @@ class Document:
         self.query = None if several else self.tables[0].query()
 
     def table_name(self, rng, i):
-        """What a list of tables can name: it has no way to write a bracket or a line end."""
-        name = re.sub("[][\x00-\x1f]", "", text(rng, 4))
+        """What a list of tables can name: it has no way to write a bracket or a line end,
+        and behind a blank a semicolon begins a comment."""
+        name = re.sub("[][;\x00-\x1f]", "", text(rng, 4))
         return f"{name}-{self.number}-{i}"
 
     def fits_sheet(self):

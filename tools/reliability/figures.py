@@ -8,7 +8,7 @@ In the page a figure is
 
 COMMAND is a line for bash, run at the root of the sources. What it writes to standard output goes
 between the two lines, with the command, the commit and the system: as a block of code, or as it is
-when it is a table. A command that fails, or whose program is not there, leaves its figure as it was
+when a table is in it. A command that fails, or whose program is not there, leaves its figure as it was
 and ends the script with status 1."""
 import argparse
 import datetime
@@ -47,7 +47,7 @@ def figure(command):
         print(f"status {ended.returncode}: the figure stays as it was", file=sys.stderr)
         return None
     said = ended.stdout.strip("\n").splitlines()
-    if all(line.startswith("|") for line in said):  # a table of Markdown
+    if any(line.startswith("|") for line in said):  # a table of Markdown
         return "\n".join(["", f"`{command}`, {place()}:", "", *said, "", ""])
     lines = [f"$ {command}", *said, f"({place()})"]
     return "\n" + "".join(f"    {line}".rstrip() + "\n" for line in lines) + "\n"

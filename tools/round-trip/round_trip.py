@@ -24,7 +24,7 @@ LONG_ROWS = 8
 END_OF_COPY = re.compile(r"(?<=[\r\n])\\\.(?=[\r\n])")
 COLUMNS = ("id", "a", "b", "c")
 SETTINGS = ("", "NullText=NULL\n")
-ODBC = 'ConnectString="Driver=SQLite3;Database={};StepAPI=1"\n'
+ODBC = 'ConnectString="Driver=SQLite3;Database={};StepAPI=1;SyncPragma=OFF;JournalMode=OFF"\n'
 JOB = """Globals
 Edition=2
 Step 1: from the database

@@ -4,6 +4,7 @@
 #include <link.h>
 
 #include <algorithm>
+#include <climits>
 #include <filesystem>
 
 #include "base/utf8.h"
@@ -47,10 +48,11 @@ struct LoadedDriver {
 LoadedDriver FindLoaded(const std::string& name) {
     LoadedDriver driver{name, {}};
     if (name.empty()) return driver;
+    driver.path.reserve(PATH_MAX);  // no exception may pass through the loader
     const auto look_at = [](dl_phdr_info* info, std::size_t, void* data) {
         auto& wanted = *static_cast<LoadedDriver*>(data);
         const bool found = std::string_view(info->dlpi_name).ends_with(wanted.name);
-        if (found) wanted.path = info->dlpi_name;
+        if (found) wanted.path.assign(std::string_view(info->dlpi_name).substr(0, PATH_MAX));
         return found ? 1 : 0;
     };
     dl_iterate_phdr(look_at, &driver);

@@ -190,7 +190,7 @@ std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& nam
     }
     const auto status = StatusOf(descriptor.Get());
     if (!status || S_ISDIR(status->st_mode)) {
-        error = SystemError(status ? EISDIR : errno);
+        error = status ? SystemError(EISDIR) : SystemError();
         return nullptr;
     }
     return std::make_unique<PosixInputFile>(std::move(descriptor));

@@ -6,8 +6,8 @@
 
 namespace DataStorages {
 
-// How rows reach a database fastest, and whole, through its driver.
-struct InsertHabits {
+// How rows reach a database fastest, and whole, through its driver, and what it does to others.
+struct DriverHabits {
     StringView product;               // what the name of the database begins with (SQL_DBMS_NAME)
     StringView driver;                // what the file name of the driver holds; empty: any
     std::size_t rows = 1;             // a statement
@@ -21,11 +21,14 @@ struct InsertHabits {
     // Values of all types but binary ones travel as texts whose type the server finds; else with
     // the type of their column.
     bool texts = false;
-    // BIT takes the number 0 or 1; a text is taken for the bits themselves.
+    // BIT takes the number 0 or 1, and gives the character of that number; a text is taken for the
+    // bits themselves.
     bool bits = false;
+    // A value longer than its cell makes the driver read behind memory of its own.
+    bool overruns = false;
 };
 
 // What holds for a database; one that is not known gets sets of parameters with the columns' types.
-const InsertHabits& HabitsOf(StringView product, StringView driver);
+const DriverHabits& HabitsOf(StringView product, StringView driver);
 
 }  // namespace DataStorages

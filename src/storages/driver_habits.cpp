@@ -1,4 +1,4 @@
-#include "storages/insert_habits.h"
+#include "storages/driver_habits.h"
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@ namespace {
 
 // The reasons were measured with 40,000 and 100,000 rows of 8 columns in one transaction, and with
 // the values of every type that the database has.
-constexpr InsertHabits kKnown[] = {
+constexpr DriverHabits kKnown[] = {
     // Rows one by one take twice as long as 50 a statement, sets likewise: the driver walks
     // through them. Its parameters go up to 999 in old versions.
     {.product = u"SQLite", .driver = u"", .rows = 50, .most_parameters = 999, .charset_query = {}},
@@ -32,7 +32,8 @@ constexpr InsertHabits kKnown[] = {
      .sets = true,
      .charset_query = u"select @@character_set_client",
      .texts = true,
-     .bits = true},
+     .bits = true,
+     .overruns = true},
     {.product = u"MySQL",
      .driver = u"",
      .rows = 50,
@@ -47,24 +48,24 @@ constexpr InsertHabits kKnown[] = {
      .charset_query = {}},
 };
 
-constexpr InsertHabits kUnknown{.product = u"",
+constexpr DriverHabits kUnknown{.product = u"",
                                 .driver = u"",
                                 .rows = 1'000,
                                 .most_parameters = 2'000,
                                 .sets = true,
                                 .charset_query = {}};
 
-bool Matches(const InsertHabits& habits, StringView product, StringView driver) {
+bool Matches(const DriverHabits& habits, StringView product, StringView driver) {
     return text::EqualsIgnoringCase(product.substr(0, habits.product.size()), habits.product) &&
            text::Lowered(driver).find(habits.driver) != String::npos;
 }
 
 }  // namespace
 
-const InsertHabits& HabitsOf(StringView product, StringView driver) {
+const DriverHabits& HabitsOf(StringView product, StringView driver) {
     const auto* const known =
         std::find_if(std::begin(kKnown), std::end(kKnown),
-                     [&](const InsertHabits& habits) { return Matches(habits, product, driver); });
+                     [&](const DriverHabits& habits) { return Matches(habits, product, driver); });
     return known == std::end(kKnown) ? kUnknown : *known;
 }
 
