@@ -114,6 +114,7 @@ bool TableLoad::SendOneByOne(String& error, bool comes_back) {
         error = std::move(lost);
         return false;
     }
+    if (database_->IsConnectionLost()) return false;
     const std::size_t rows = sender_->Count();
     for (std::size_t i = 0; i < rows; ++i) {
         // A row alone has failed already.

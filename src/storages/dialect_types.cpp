@@ -57,7 +57,9 @@ std::optional<Size> TextSize(const ColumnDefinition& column, ColumnType type) {
     const bool is_long = type == ColumnType::LongText || type == ColumnType::LongBinary;
     const bool is_unsized = column.Length == kUnsizedText && column.OctetLength <= kUnsizedText;
     if (is_long || is_unsized || column.Length <= 0) return std::nullopt;
-    return Size{column.Length, 0};
+    // MariaDB tells bits among the bytes, and how many bits they are.
+    const bool is_bits = text::EqualsIgnoringCase(column.TypeName, u"bit");
+    return Size{is_bits ? column.OctetLength : column.Length, 0};
 }
 
 // ---- The words of a column ----

@@ -12,7 +12,12 @@ namespace {
 constexpr DriverHabits kKnown[] = {
     // Rows one by one take twice as long as 50 a statement, sets likewise: the driver walks
     // through them. Its parameters go up to 999 in old versions.
-    {.product = u"SQLite", .driver = u"", .rows = 50, .most_parameters = 999, .charset_query = {}},
+    {.product = u"SQLite",
+     .driver = u"",
+     .rows = 50,
+     .most_parameters = 999,
+     .charset_query = {},
+     .wide_integers = true},
     // Rows one by one take fifteen times as long as 100 a statement, sets twice as long. With the
     // type of the column the driver reads dates and numbers itself: no infinity, and a float of
     // 1.5e10 arrives as 1.5000001e10.

@@ -24,6 +24,8 @@ struct DriverHabits {
     // BIT takes the number 0 or 1, and gives the character of that number; a text is taken for the
     // bits themselves.
     bool bits = false;
+    // INTEGER has 64 bits, whatever the driver tells.
+    bool wide_integers = false;
     // A value longer than its cell makes the driver read behind memory of its own.
     bool overruns = false;
 };

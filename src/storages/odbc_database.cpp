@@ -191,6 +191,7 @@ bool ODBCDatabase::Describe(String& error, const String& statement, RowSet& rows
         return false;
     }
     DescribeColumns(statement_.Get(), rows.Columns);
+    WidenIntegers(rows.Columns);
     return CloseQuery();
 }
 
@@ -215,8 +216,16 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
 
 void ODBCDatabase::DescribeResult(RowSet& rows) {
     column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
+    WidenIntegers(rows.Columns);
     reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
                             value_buffer_);
+}
+
+void ODBCDatabase::WidenIntegers(std::vector<ColumnDefinition>& columns) const {
+    if (!Habits().wide_integers) return;
+    for (ColumnDefinition& column : columns) {
+        if (column.ConciseType == SQL_INTEGER) column.ConciseType = SQL_BIGINT;
+    }
 }
 
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
@@ -309,6 +318,14 @@ bool ODBCDatabase::ReleaseSavepoint(String& error) {
 
 bool ODBCDatabase::RollbackToSavepoint(String& error) {
     return ExecNonQuery(error, SavepointWordsOf(Product()).roll_back) && ReleaseSavepoint(error);
+}
+
+// (ODBC reference, SQLGetConnectAttr)
+bool ODBCDatabase::IsConnectionLost() const {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttrW(connection_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER,
+                       nullptr);
+    return dead == SQL_CD_TRUE;
 }
 
 bool ODBCDatabase::CharactersAreUtf8(StringView query) {

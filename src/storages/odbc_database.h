@@ -89,6 +89,7 @@ public:
     bool SetSavepoint(String& error) override;
     bool ReleaseSavepoint(String& error) override;
     bool RollbackToSavepoint(String& error) override;
+    bool IsConnectionLost() const override;
     std::unique_ptr<RowSender> MakeSender(const InsertTarget& target) override;
 
 private:
@@ -106,6 +107,7 @@ private:
     const DriverHabits& Habits() const;
     bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
+    void WidenIntegers(std::vector<ColumnDefinition>& columns) const;
     bool CharactersAreUtf8(StringView query);
 
     bool connected_ = false;

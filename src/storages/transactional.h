@@ -25,6 +25,8 @@ public:
     virtual bool SetSavepoint(String& error) = 0;
     virtual bool ReleaseSavepoint(String& error) = 0;
     virtual bool RollbackToSavepoint(String& error) = 0;
+    // Whether the driver knows that the connection is gone, after a failure.
+    virtual bool IsConnectionLost() const = 0;
 };
 
 }  // namespace DataStorages

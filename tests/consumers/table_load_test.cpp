@@ -28,6 +28,8 @@ public:
     bool ReleaseSavepoint(String&) override { return Note(')'); }
     bool RollbackToSavepoint(String&) override { return Note('<'); }
 
+    bool IsConnectionLost() const override { return lost; }
+
     bool Note(char what) {
         notes += what;
         return true;
