@@ -53,12 +53,33 @@ class Fault:
 
 
 @dataclasses.dataclass
+class Whole:
+    """What a run without a fault finds in the targets, and what it leaves."""
+    before: list
+    after: list
+    output: bytes  # data on standard output
+
+
+@dataclasses.dataclass
 class Ended:
     status: int  # None: it did not end by itself
     output: bytes
     errors: bytes
     hit: str     # the call that the fault happened to; empty without one
     counted: int
+
+
+def rows_of(file, table):
+    """The rows of a table of SQLite; None where there is no table."""
+    if not file.exists():
+        return None
+    database = sqlite3.connect(file)
+    try:
+        return database.execute(f"select * from {table} order by rowid").fetchall()
+    except sqlite3.OperationalError:
+        return None
+    finally:
+        database.close()
 
 
 class Proof:
@@ -76,8 +97,6 @@ class Proof:
         self.numbers = itertools.count()
         self.seconds = {}  # that a job takes, by its title
         self.sanitized = b"__asan_init" in self.program.read_bytes()
-        keys = subprocess.run([self.program, "-help=DatabaseTable"], capture_output=True).stdout
-        self.tables_are_whole = b"CommitRows" in keys
 
     def prepare(self, job, words="", old=True):
         """A new folder for a run of the job; the words go to the driver of our own."""
@@ -154,13 +173,14 @@ class Proof:
                 store = folder / table
                 found.append(store.read_bytes() if store.exists() else b"")
                 continue
-            database = sqlite3.connect(folder / file)
-            found.append(database.execute(f"select * from {table} order by rowid").fetchall())
-            database.close()
+            found.append(rows_of(folder / file, table))
         return found
 
     def whole(self, job, old):
-        """What a run without a fault leaves in the targets and on standard output."""
+        """See Whole. old: whether there are files where those of the targets will be."""
+        folder = self.prepare(job, old=old)
+        before = self.content(job, folder)
+        shutil.rmtree(folder)
         start = time.monotonic()
         ended, folder = self.run(job, None, old)
         self.seconds[job.title] = 1.2 * (time.monotonic() - start)
@@ -170,9 +190,9 @@ class Proof:
         if not job.called and not all(found) or job.printed and b"row-60" not in ended.output:
             raise SystemExit(f"{job.title} leaves nothing")
         shutil.rmtree(folder)
-        return found, ended.output if job.printed else b""
+        return Whole(before, found, ended.output if job.printed else b"")
 
-    def wrong(self, job, fault, ended, folder, whole, old):
+    def wrong(self, job, fault, ended, folder, whole):
         """What is wrong with a run, or nothing."""
         said = ended.output + ended.errors
         if ended.status is None:
@@ -180,7 +200,7 @@ class Proof:
         if ended.status == SANITIZED or b"runtime error:" in said or b"Sanitizer" in said:
             return "sanitizer"
         if fault.kind == "kill" and ended.status == -signal.SIGKILL:
-            return self.torn(job, folder, whole, old)
+            return self.torn(job, folder, whole)
         if ended.status not in (0, 2):
             # The crash line is what edition 1 has for want of memory.
             known = job.edition == 1 and fault.calls == "memory" and b"0xE06D7363" in said
@@ -189,11 +209,11 @@ class Proof:
             return ""
         if ended.status == 0:
             found = self.content(job, folder)
-            same = found == whole[0] and (not job.printed or ended.output == whole[1])
+            same = found == whole.after and (not job.printed or ended.output == whole.output)
             return "" if same or found[:1] in job.withheld else "success without all rows"
         if not self.is_told(job, fault, ended, folder):
             return "not told"
-        return self.torn(job, folder, whole, old)
+        return self.torn(job, folder, whole)
 
     @staticmethod
     def is_told(job, fault, ended, folder):
@@ -206,19 +226,13 @@ class Proof:
         mute = ended.hit.startswith(("write 2", "write 1")) or job.name.endswith("with a log")
         return fault.calls == "file" and (fault.kind == "fail-on" or mute)
 
-    def torn(self, job, folder, whole, old):
+    def torn(self, job, folder, whole):
         """What is wrong with targets that are to be the old ones or the whole new ones."""
         if job.edition == 1:
             return ""
-        for name, found, new in zip([*job.targets, *job.tables], self.content(job, folder), whole[0]):
-            before = OLD if old and "/" not in name else None
-            if name in job.in_place:
-                continue
-            if isinstance(name, tuple):
-                before = [] if name[0] else b""
-                if not self.tables_are_whole:
-                    continue
-            if found not in (before, new):
+        for name, found, before, after in zip(
+                [*job.targets, *job.tables], self.content(job, folder), whole.before, whole.after):
+            if name not in job.in_place and found not in (before, after):
                 return f"'{name}' is neither old nor new"
         return ""
 
@@ -302,7 +316,7 @@ def try_fault(proof, job, fault, whole):
     """Runs the job with a fault. Returns its status and what is wrong."""
     old = fault.number % 2 == 1
     ended, folder = proof.run(job, fault, old)
-    wrong = proof.wrong(job, fault, ended, folder, whole[old], old)
+    wrong = proof.wrong(job, fault, ended, folder, whole[old])
     left = proof.is_left(folder)
     if not wrong and left and job.edition == 2 and fault.kind != "kill" and not (
             ended.hit.startswith(("unlink", "rename")) or fault.kind == "fail-on"):
@@ -320,10 +334,10 @@ def try_kill(proof, job, number, whole):
     start = time.monotonic()
     status = killed_at_random(lambda: proof.start(job, folder), proof.seconds[job.title], rng)
     fault = Fault("program", "killed at random", number)
-    wrong = proof.torn(job, folder, whole[old], old)
+    wrong = proof.torn(job, folder, whole[old])
     if job.can_be_repeated and not wrong:
         again, output, errors = proof.wait(proof.start(job, folder))
-        wrong = proof.wrong(job, fault, Ended(again, output, errors, "", 0), folder, whole[old], old)
+        wrong = proof.wrong(job, fault, Ended(again, output, errors, "", 0), folder, whole[old])
         if again or proof.is_left(folder):
             wrong = wrong or f"then fails or leaves {proof.is_left(folder)}"
     if wrong:
@@ -349,7 +363,7 @@ def try_full_disk(proof, job, fault, whole):
     try:
         status, output, errors = proof.wait(proof.start(job, folder, **options))
         ended = Ended(status, output, errors, "", 0)
-        wrong = proof.wrong(job, fault, ended, folder, whole[False], False)
+        wrong = proof.wrong(job, fault, ended, folder, whole[False])
         left = proof.is_left(folder)
     finally:
         if fault.kind == "full":
@@ -370,7 +384,7 @@ def tries(proof, plan, job, whole):
         yield (Fault("program", "killed at random", number),
                lambda fault: try_kill(proof, job, fault.number, whole))
     if job.targets == ("out",) and not job.tables:
-        for fault in plan.full_disks(len(whole[False][0][0])):
+        for fault in plan.full_disks(len(whole[False].after[0])):
             yield fault, lambda fault: try_full_disk(proof, job, fault, whole)
 
 

@@ -179,6 +179,11 @@ NEWER = [
     Job("rows written one by one", TEXT + target("JSONFile", "Form=Lines\nWriteBuffer=0\n")),
     Job("include, query file, XML tags", "Step 1\nSource\n@include part.inc\n" + SQLITE +
         target("XMLFile", "FieldIsTag=1\n")),
+    Job("database into new tables", "Step 1\nSource\nType=Database\n" + SQLITE +
+        "Tables=item,other\n" + table("SQLite3;Database=new.db").replace("item", "$TABLE$") +
+        "CreateTable=1\n", targets=(), tables=(("new.db", "item"), ("new.db", "other"))),
+    Job("query to own driver as literals", DRIVER.replace("{words}", "") + OWN_TABLE +
+        "InsertMode=Literal\nInsertRows=5\n", targets=(), tables=((None, "store"),)),
     Job("two steps with a log", TWO_STEPS, targets=("first", "out")),
     Job("a failed step does not end the run", TWO_STEPS, targets=("first", "out"),
         globals="StopOnError=0\n"),

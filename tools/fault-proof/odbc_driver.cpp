@@ -226,7 +226,9 @@ bool TakeValue(TextView& text, Row& row, const Row& parameters, std::size_t& use
         text.remove_prefix(1);
         return true;
     }
-    if (text.starts_with(u"N'")) text.remove_prefix(1);
+    for (const TextView kind : {u"N'", u"date '"}) {
+        if (text.starts_with(kind)) text.remove_prefix(kind.size() - 1);
+    }
     if (!text.starts_with(u'\'')) {
         const TextView word = text.substr(0, word_end);
         row.push_back(word == u"NULL" || word == u"null" ? Cell() : Cell(word));
@@ -291,7 +293,7 @@ SQLRETURN Insert(Statement& statement) {
         }
         if (values == Text::npos ||
             !TakeRows(TextView(statement.text).substr(values + 6), parameters, made)) {
-            return Fail(statement, u"no rows of the table");
+            return Fail(statement, Text(u"no rows of the table: ").append(statement.text));
         }
     }
     if (auto* const processed = statement.Place<SQLULEN>(SQL_ATTR_PARAMS_PROCESSED_PTR)) {
