@@ -171,7 +171,10 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
         return false;
     }
     reading_failed_ = false;
-    DescribeResult(rows);
+    if (!DescribeResult(rows)) {
+        error = u"ODBCDatabase::Query execution error: " + last_error_;
+        return false;
+    }
     query_active_ = true;
     return true;
 }
@@ -213,11 +216,17 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
     return odbc::Succeeded(result);
 }
 
-void ODBCDatabase::DescribeResult(RowSet& rows) {
-    column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
+bool ODBCDatabase::DescribeResult(RowSet& rows) {
+    const DescribedResult described = DescribeColumns(statement_.Get(), rows.Columns);
+    column_count_ = described.columns;
+    if (!described.told && method_.told_columns) {
+        StoreDiagnostic();
+        return false;
+    }
     const bool shows_bits = method_.bytes_as_digits && Habits().bits;
     reader_ = MakeRowReader(method_, shows_bits, connection_.Get(), statement_.Get(), rows.Columns,
                             value_buffer_);
+    return true;
 }
 
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {
@@ -248,8 +257,8 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
     }
     if (!RecordMove(SQLMoreResults(statement_.Get()))) return false;
     reader_.reset();
-    DescribeResult(rows);
-    return true;
+    reading_failed_ = !DescribeResult(rows);
+    return !reading_failed_;
 }
 
 // ---- Writing ----
