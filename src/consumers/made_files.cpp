@@ -87,8 +87,8 @@ std::unique_ptr<OutputFile> MadeFiles::OpenItself(String& error, const String& n
 std::unique_ptr<OutputFile> MadeFiles::OpenPart(String& error, const String& name, bool& goes_on) {
     const auto same = std::find_if(parts_.begin(), parts_.end(),
                                    [&](const Part& part) { return part.file->IsFor(name); });
-    goes_on = policy_.append && (same != parts_.end() || platform::PathExists(name));
-    if (same == parts_.end()) return OpenNew(error, name);
+    goes_on = policy_.append;
+    if (same == parts_.end()) return OpenNew(error, name, goes_on);
     if (policy_.once && !policy_.append) {
         error = TwiceText(name);
         return nullptr;
@@ -108,13 +108,13 @@ std::unique_ptr<OutputFile> MadeFiles::OpenAgain(ErrorRecord& error, Part& part)
     return part.file->Open(error);
 }
 
-std::unique_ptr<OutputFile> MadeFiles::OpenNew(String& error, const String& name) {
+std::unique_ptr<OutputFile> MadeFiles::OpenNew(String& error, const String& name, bool& goes_on) {
     ErrorRecord reason;
     auto refusal = Replacement::Refusal::NoPart;
     auto part = Replacement::Begin(reason, refusal, name);
     auto file = part ? part->Open(reason) : nullptr;
-    const bool copied =
-        !policy_.append || !file || !platform::PathExists(name) || CopyContent(reason, name, *file);
+    goes_on = policy_.append && part && part->HasOld();
+    const bool copied = !goes_on || !file || CopyContent(reason, name, *file);
     if (!file || !copied) {
         error = RefusalText(part ? Replacement::Refusal::NoPart : refusal, reason, name);
         return nullptr;

@@ -60,7 +60,7 @@ private:
     std::unique_ptr<platform::OutputFile> OpenPart(String& error, const String& name,
                                                    bool& goes_on);
     std::unique_ptr<platform::OutputFile> OpenAgain(ErrorRecord& error, Part& part);
-    std::unique_ptr<platform::OutputFile> OpenNew(String& error, const String& name);
+    std::unique_ptr<platform::OutputFile> OpenNew(String& error, const String& name, bool& goes_on);
 
     Policy policy_;
     std::vector<platform::FileIdentity> written_;  // files that were written themselves

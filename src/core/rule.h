@@ -26,5 +26,6 @@ enum class Rule {
     MacroIsOneName,        // the value of a macro inside a table's name is one whole name
     BytesAsDigits,         // bytes of databases are read whole, as hexadecimal digits
     TargetsAreDescribed,   // a table that takes rows is described without reading it
+    ColumnsMustBeTold,     // a result fails of which the driver does not tell the columns
     MemoryFailsStep,       // a step that memory runs out in fails and says so, and is no crash
 };

@@ -40,6 +40,8 @@ public:
 
     // Whether this one is to get the name that `name` leads to.
     virtual bool IsFor(const String& name) const = 0;
+    // Whether there is a file that it replaces.
+    virtual bool HasOld() const = 0;
     // Opens the new file for writing, at its start. It may be opened again once it has been closed.
     virtual std::unique_ptr<OutputFile> Open(ErrorRecord& error) = 0;
     // Makes the new file empty again.

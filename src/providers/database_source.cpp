@@ -46,7 +46,8 @@ bool DatabaseSource::Connect(String& error, const DataStorages::ConnectionSettin
         {.in_blocks = settings.Word(kFetchMode, FetchMode::Row) == FetchMode::Block,
          .block_bytes = settings.Size(kFetchMemory),
          .whole_values = settings.Word(kLongValues, LongValues::Cut) == LongValues::Whole,
-         .bytes_as_digits = settings.Follows(Rule::BytesAsDigits)});
+         .bytes_as_digits = settings.Follows(Rule::BytesAsDigits),
+         .told_columns = settings.Follows(Rule::ColumnsMustBeTold)});
     return true;
 }
 

@@ -41,24 +41,27 @@ public:
     DescribedColumn(void* statement, std::uint16_t number)
         : statement_(statement), number_(number) {}
 
-    String Text(std::uint16_t field) const {
+    String Text(std::uint16_t field) const { return ToldText(field).value_or(String()); }
+    std::int32_t Number(std::uint16_t field) const { return ToldNumber(field).value_or(0); }
+
+    // Nothing where the driver does not tell.
+    std::optional<String> ToldText(std::uint16_t field) const {
         std::optional<String> text = TextByOldCall(field);
-        if (text) return *std::move(text);
+        if (text) return text;
         TextBuffer buffer{};
         SQLSMALLINT length = 0;
         const bool known =
             odbc::Succeeded(SQLColAttributeW(statement_, number_, field, buffer.data(),
                                              odbc::RoomInBytes(buffer), &length, nullptr));
-        return known ? odbc::TextOf(buffer) : String{};
+        return known ? std::optional(odbc::TextOf(buffer)) : std::nullopt;
     }
-
-    std::int32_t Number(std::uint16_t field) const {
+    std::optional<std::int32_t> ToldNumber(std::uint16_t field) const {
         SQLLEN value = 0;
         const bool known = odbc::Succeeded(SQLColAttributesW(statement_, number_, field, nullptr, 0,
                                                              nullptr, &value)) ||
                            odbc::Succeeded(SQLColAttributeW(statement_, number_, field, nullptr, 0,
                                                             nullptr, &value));
-        return known ? static_cast<std::int32_t>(value) : 0;
+        return known ? std::optional(static_cast<std::int32_t>(value)) : std::nullopt;
     }
 
     // The digits behind the decimal point, or of a second. PostgreSQL's driver tells those of a
@@ -98,14 +101,18 @@ private:
     std::uint16_t number_;
 };
 
-ColumnDefinition Describe(const DescribedColumn& described) {
+// told: false where the name or the type is not
+ColumnDefinition Describe(const DescribedColumn& described, bool& told) {
     ColumnDefinition column;
-    column.Name = described.Text(SQL_DESC_NAME);
+    const std::optional<String> name = described.ToldText(SQL_DESC_NAME);
+    const std::optional<std::int32_t> type = described.ToldNumber(SQL_DESC_CONCISE_TYPE);
+    told = told && name && type;
+    column.Name = name.value_or(String());
     column.TableName = described.Text(SQL_DESC_TABLE_NAME);
     column.Length = described.Number(SQL_DESC_LENGTH);
     column.DisplaySize = described.Number(SQL_DESC_DISPLAY_SIZE);
     column.DataType = described.Number(SQL_DESC_TYPE);
-    column.ConciseType = described.Number(SQL_DESC_CONCISE_TYPE);
+    column.ConciseType = type.value_or(0);
     column.OctetLength = described.Number(SQL_DESC_OCTET_LENGTH);
     column.AutoUnique = described.Number(SQL_DESC_AUTO_UNIQUE_VALUE) == SQL_TRUE;
     column.Nullable = described.Number(SQL_DESC_NULLABLE) != SQL_NO_NULLS;
@@ -121,14 +128,15 @@ ColumnDefinition Describe(const DescribedColumn& described) {
 
 }  // namespace
 
-std::int16_t DescribeColumns(void* statement, std::vector<ColumnDefinition>& columns) {
+DescribedResult DescribeColumns(void* statement, std::vector<ColumnDefinition>& columns) {
     columns.clear();
-    SQLSMALLINT count = 0;
-    if (!odbc::Succeeded(SQLNumResultCols(statement, &count))) count = 0;
-    for (SQLSMALLINT number = 1; number <= count; ++number) {
-        columns.push_back(Describe({statement, static_cast<std::uint16_t>(number)}));
+    DescribedResult result;
+    result.told = odbc::Succeeded(SQLNumResultCols(statement, &result.columns));
+    if (!result.told) result.columns = 0;
+    for (SQLSMALLINT number = 1; number <= result.columns; ++number) {
+        columns.push_back(Describe({statement, static_cast<std::uint16_t>(number)}, result.told));
     }
-    return count;
+    return result;
 }
 
 }  // namespace DataStorages

@@ -171,7 +171,10 @@ bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
         return false;
     }
     reading_failed_ = false;
-    DescribeResult(rows);
+    if (!DescribeResult(rows)) {
+        error = u"ODBCDatabase::Query execution error: " + last_error_;
+        return false;
+    }
     query_active_ = true;
     return true;
 }
@@ -214,11 +217,24 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
     return odbc::Succeeded(result);
 }
 
+<<<<<<< HEAD
 void ODBCDatabase::DescribeResult(RowSet& rows) {
     column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
     WidenIntegers(rows.Columns);
     reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
+=======
+bool ODBCDatabase::DescribeResult(RowSet& rows) {
+    const DescribedResult described = DescribeColumns(statement_.Get(), rows.Columns);
+    column_count_ = described.columns;
+    if (!described.told && method_.told_columns) {
+        StoreDiagnostic();
+        return false;
+    }
+    const bool shows_bits = method_.bytes_as_digits && Habits().bits;
+    reader_ = MakeRowReader(method_, shows_bits, connection_.Get(), statement_.Get(), rows.Columns,
+>>>>>>> proof
                             value_buffer_);
+    return true;
 }
 
 void ODBCDatabase::WidenIntegers(std::vector<ColumnDefinition>& columns) const {
@@ -256,8 +272,8 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
     }
     if (!RecordMove(SQLMoreResults(statement_.Get()))) return false;
     reader_.reset();
-    DescribeResult(rows);
-    return true;
+    reading_failed_ = !DescribeResult(rows);
+    return !reading_failed_;
 }
 
 // ---- Writing ----

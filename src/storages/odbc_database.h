@@ -100,7 +100,7 @@ private:
     bool PrepareStatement(String& error, const String& statement);
     bool AllocateStatement();
     bool Execute(const String& statement);
-    void DescribeResult(RowSet& rows);
+    bool DescribeResult(RowSet& rows);
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();

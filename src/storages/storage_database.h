@@ -45,6 +45,9 @@ struct ReadingMethod {
     // Bytes come as hexadecimal digits, all of them, and bits as 0 and 1, whatever the driver makes
     // of them as texts.
     bool bytes_as_digits = false;
+    // A result fails where the driver does not tell how many columns it has, and their names and
+    // types; else there are none, without names.
+    bool told_columns = false;
 };
 
 enum class TableKind { Tables = 0, Views = 1 };

@@ -32,7 +32,14 @@ from kills import killed_at_random  # noqa: E402
 from web_server import WebServer  # noqa: E402
 
 KINDS = {"file": ("fail", "fail-on", "short", "interrupt", "kill"), "memory": ("fail", "fail-on"),
-         "network": ("fail", "fail-on", "short", "interrupt"), "driver": ("fail", "fail-on")}
+         "network": ("fail", "fail-on", "short", "interrupt"),
+         "driver": ("fail", "fail-on", "refuse")}
+# What a driver may refuse altogether.
+DRIVER_CALLS = ("SQLGetInfoW", "SQLSetConnectAttrW", "SQLSetStmtAttrW", "SQLPrepareW", "SQLExecute",
+                "SQLExecDirectW", "SQLBindParameter", "SQLNumParams", "SQLRowCount", "SQLFreeStmt",
+                "SQLNumResultCols", "SQLColAttributeW", "SQLDescribeColW", "SQLBindCol", "SQLFetch",
+                "SQLGetData", "SQLSetPos", "SQLMoreResults", "SQLEndTran", "SQLTablesW",
+                "SQLColumnsW")
 NONE_AT_ALL = 1_000_000_000
 SANITIZED = 99  # the exit status that a sanitizer's finding has
 TOLD = re.compile(rb"Step \d+ \(job\.qpr:\d+\)(, [a-z]+.*)?: .*\S|Out of memory\.")
@@ -147,8 +154,10 @@ class Proof:
         environment, words = {}, ""
         report = self.folder / f"report-{next(self.numbers)}"
         if fault and fault.calls == "driver":
-            on = "+" if fault.kind == "fail-on" else ""
-            words = f";Report={report};Fail=any:{fault.number}{on}"
+            call = f"any:{fault.number}"
+            if fault.kind == "refuse":
+                call = f"{DRIVER_CALLS[fault.number - 1]}:1"
+            words = f";Report={report};Fail={call}" + ("" if fault.kind == "fail" else "+")
         elif fault:
             environment = {"LD_PRELOAD": str(self.faults), "FAULT_CALLS": fault.calls,
                            "FAULT_KIND": fault.kind, "FAULT_AT": str(fault.number),
@@ -264,6 +273,8 @@ class Plan:
 
     def numbers(self, job, calls, kind):
         """The numbers of the calls to fail."""
+        if kind == "refuse":
+            return range(1, len(DRIVER_CALLS) + 1)
         if calls == "driver":
             count = self.driver_calls(job)
         else:

@@ -82,9 +82,10 @@ private:
 
 class PosixOutputFile final : public OutputFile {
 public:
-    explicit PosixOutputFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+    PosixOutputFile(Descriptor descriptor, mode_t mode)
+        : descriptor_(std::move(descriptor)), mode_(mode) {}
 
-    bool IsRegular() const override { return IsRegularFile(descriptor_.Get()); }
+    bool IsRegular() const override { return S_ISREG(mode_); }
     bool IsTerminal() const override { return ::isatty(descriptor_.Get()) == 1; }
 
     bool Write(ErrorRecord& error, std::span<const std::byte> bytes) override {
@@ -107,8 +108,7 @@ public:
 
     bool SeekEnd(ErrorRecord& error, std::uint64_t& position) override {
         position = 0;
-        const auto status = StatusOf(descriptor_.Get());
-        if (status && !S_ISREG(status->st_mode) && !S_ISBLK(status->st_mode)) return true;
+        if (!S_ISREG(mode_) && !S_ISBLK(mode_)) return true;
         const off_t end = ::lseek(descriptor_.Get(), 0, SEEK_END);
         if (end < 0) {
             error = SystemError();
@@ -134,6 +134,7 @@ private:
     }
 
     Descriptor descriptor_;
+    const mode_t mode_;  // what kind of file it is
 };
 
 }  // namespace
@@ -167,7 +168,7 @@ Descriptor OpenLocked(const std::string& name, int flags) {
 }
 
 std::unique_ptr<OutputFile> OutputFileOn(Descriptor descriptor) {
-    return std::make_unique<PosixOutputFile>(std::move(descriptor));
+    return std::make_unique<PosixOutputFile>(std::move(descriptor), S_IFREG);
 }
 
 bool PathExists(const String& name) {
@@ -211,7 +212,7 @@ std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& n
         error = SystemError();
         return nullptr;
     }
-    return std::make_unique<PosixOutputFile>(std::move(descriptor));
+    return std::make_unique<PosixOutputFile>(std::move(descriptor), status->st_mode);
 }
 
 }  // namespace platform

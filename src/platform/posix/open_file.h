@@ -21,7 +21,7 @@ Descriptor OpenLocked(const std::string& name, int flags);
 enum class Named { Yes, No, Unknown };
 Named IsNamed(int descriptor, const std::string& name);
 
-// The file behind a descriptor that is open for reading and writing.
+// The regular file behind a descriptor that is open for reading and writing.
 std::unique_ptr<OutputFile> OutputFileOn(Descriptor descriptor);
 
 }  // namespace platform

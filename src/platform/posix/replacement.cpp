@@ -157,6 +157,8 @@ public:
         return target && IsNamed(file_->Get(), PartOf(*target).native()) == Named::Yes;
     }
 
+    bool HasOld() const override { return old_->Get() >= 0; }
+
     std::unique_ptr<OutputFile> Open(ErrorRecord& error) override {
         Descriptor copy(::fcntl(file_->Get(), F_DUPFD_CLOEXEC, 0));
         if (!Told(error, copy.Get() >= 0 && ::lseek(copy.Get(), 0, SEEK_SET) == 0)) return nullptr;

@@ -107,8 +107,11 @@ Handle CreateLocked(const String& part) {
 
 class WindowsReplacement final : public Replacement {
 public:
-    WindowsReplacement(String target, String part, Handle file)
-        : target_(std::move(target)), part_(std::move(part)), file_(std::move(file)) {
+    WindowsReplacement(String target, String part, Handle file, bool has_old)
+        : target_(std::move(target)),
+          part_(std::move(part)),
+          file_(std::move(file)),
+          has_old_(has_old) {
         const std::lock_guard lock(Guard());
         static const BOOL listens = ::SetConsoleCtrlHandler(OnEnding, TRUE);
         static_cast<void>(listens);
@@ -129,6 +132,8 @@ public:
                found->nFileIndexHigh == own->nFileIndexHigh &&
                found->nFileIndexLow == own->nFileIndexLow;
     }
+
+    bool HasOld() const override { return has_old_; }
 
     std::unique_ptr<OutputFile> Open(ErrorRecord& error) override {
         HANDLE copy = INVALID_HANDLE_VALUE;
@@ -177,6 +182,7 @@ private:
     const String target_;  // its full name
     const String part_;
     Handle file_;
+    const bool has_old_;
     bool placed_ = false;
 };
 
@@ -240,7 +246,7 @@ std::unique_ptr<Replacement> Replacement::Begin(ErrorRecord& error, Refusal& ref
         return Refuse(error, refusal, held ? Refusal::Held : other);
     }
     if (exists) TakeRights(part, target);
-    return std::make_unique<WindowsReplacement>(target, part, std::move(file));
+    return std::make_unique<WindowsReplacement>(target, part, std::move(file), exists);
 }
 
 }  // namespace platform
