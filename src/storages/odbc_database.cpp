@@ -217,12 +217,6 @@ bool ODBCDatabase::RecordMove(std::int16_t result) {
     return odbc::Succeeded(result);
 }
 
-<<<<<<< HEAD
-void ODBCDatabase::DescribeResult(RowSet& rows) {
-    column_count_ = DescribeColumns(statement_.Get(), rows.Columns);
-    WidenIntegers(rows.Columns);
-    reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
-=======
 bool ODBCDatabase::DescribeResult(RowSet& rows) {
     const DescribedResult described = DescribeColumns(statement_.Get(), rows.Columns);
     column_count_ = described.columns;
@@ -230,9 +224,8 @@ bool ODBCDatabase::DescribeResult(RowSet& rows) {
         StoreDiagnostic();
         return false;
     }
-    const bool shows_bits = method_.bytes_as_digits && Habits().bits;
-    reader_ = MakeRowReader(method_, shows_bits, connection_.Get(), statement_.Get(), rows.Columns,
->>>>>>> proof
+    WidenIntegers(rows.Columns);
+    reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
                             value_buffer_);
     return true;
 }
