@@ -132,7 +132,7 @@ DescribedResult DescribeColumns(void* statement, std::vector<ColumnDefinition>& 
     columns.clear();
     DescribedResult result;
     result.told = odbc::Succeeded(SQLNumResultCols(statement, &result.columns));
-    if (!result.told) result.columns = 0;
+    if (!result.told || result.columns < 0) result.columns = 0;
     for (SQLSMALLINT number = 1; number <= result.columns; ++number) {
         columns.push_back(Describe({statement, static_cast<std::uint16_t>(number)}, result.told));
     }

@@ -38,7 +38,9 @@ ValueReads ReadsOf(const ReadingMethod& method, const DriverHabits& habits,
 bool ReadInto(DataValue& value, ODBCValueBuffer& buffer, const ValueReads& reads, void* statement,
               std::uint16_t position) {
     const auto number = static_cast<std::uint16_t>(position + 1);
-    const auto outcome = (buffer.*reads[position])(statement, number, value.Text);
+    // A driver may describe fewer columns than it counts.
+    const ValueRead read = position < reads.size() ? reads[position] : &ODBCValueBuffer::ReadCut;
+    const auto outcome = (buffer.*read)(statement, number, value.Text);
     value.IsNull = outcome == ODBCValueBuffer::Outcome::Null;
     if (outcome != ODBCValueBuffer::Outcome::Text) value.Text.clear();
     return outcome != ODBCValueBuffer::Outcome::Failed;
