@@ -61,7 +61,7 @@ String NameOfSection(Configuration& configuration, Section section) {
 String PlaceOfStep(Configuration& configuration) {
     const std::size_t index = configuration.CurrentStep();
     const Place head = configuration.Step(index).Head();
-    const String step = Format(u"Step %u", index + 1);
+    String step = Format(u"Step %u", index + 1);
     if (head.line == 0) return step;
     return step + Format(u" (%s:%u)", configuration.TheJob().files[head.file], head.line);
 }
