@@ -277,6 +277,7 @@ int Opened(Open* open, const char* name, const void* caller, const char* path, i
 
 extern "C" {
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C library's own name for it
 int __libc_start_main(Main main, int count, char** values, void (*init)(), void (*fini)(),
                       void (*loader_fini)(), void* stack_end) {
     g_main = main;

@@ -284,6 +284,7 @@ Cell ParameterOf(const Binding& binding, std::size_t set) {
 SQLRETURN Insert(Statement& statement) {
     const std::size_t values = statement.text.find(u"values");
     Connection& connection = statement.connection;
+    const TextView text = statement.text;
     std::vector<Row> made;
     const std::size_t sets = std::max<std::size_t>(statement.Size(SQL_ATTR_PARAMSET_SIZE), 1);
     for (std::size_t set = 0; set < sets; ++set) {
@@ -291,8 +292,7 @@ SQLRETURN Insert(Statement& statement) {
         for (const auto& [number, binding] : statement.parameters) {
             parameters.push_back(ParameterOf(binding, set));
         }
-        if (values == Text::npos ||
-            !TakeRows(TextView(statement.text).substr(values + 6), parameters, made)) {
+        if (values == Text::npos || !TakeRows(text.substr(values + 6), parameters, made)) {
             return Fail(statement, Text(u"no rows of the table: ").append(statement.text));
         }
     }
@@ -418,7 +418,8 @@ SQLRETURN GetData(Statement& statement, SQLUSMALLINT number, const Binding& to) 
     }
     if (!goes_on) statement.handed_out = 0;
     if (goes_on && statement.handed_out >= cell->size()) return SQL_NO_DATA;
-    return PutValue(statement, TextView(*cell).substr(statement.handed_out), to);
+    const TextView text = *cell;
+    return PutValue(statement, text.substr(statement.handed_out), to);
 }
 
 SQLRETURN Describe(Statement& statement, SQLUSMALLINT number, SQLUSMALLINT field, void* text,
