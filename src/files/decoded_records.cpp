@@ -37,7 +37,7 @@ bool DecodedRecords::Read(Content content) {
             }
             const char16_t* const from = input_.Text().data() + start_;
             ended_ = !input_.More(start_);
-            start_ = 0;
+            start_ = next_ = 0;  // the next call may find nothing more
             TextMoved(from, input_.Text().data());
             if (ended_ && input_.Failed()) return false;  // nobody knows how the record goes on
         }

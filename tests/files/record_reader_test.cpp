@@ -52,6 +52,7 @@ std::string ReadAll(const std::string& bytes, const RecordLayout& layout,
         if (reader->IsFaulty()) all += "!" + ToUtf8(reader->Fault() + u"!") + ToUtf8(reader->Raw());
         all += "\n";
     }
+    EXPECT_FALSE(reader->Read(RecordReader::Content::Data)) << "behind the end of " << bytes;
     return all;
 }
 
