@@ -27,6 +27,7 @@ from run import FOLDER, ROOT, Bench, Command, any_server, machine, psql_connecti
 FEW_ROWS = 2_000  # for those that send row by row
 PYTHON = "/usr/bin/python3"  # the one that Debian's packages are for
 READ = f"select * from {DEFAULT_TABLE}"
+MEMORY = Path("/dev/shm")  # for what is written, so that the disk is not compared
 NAMES = [name for name, _ in COLUMNS]
 
 
@@ -196,7 +197,7 @@ def pgloader_job(bench, engine, files):
     return ["pgloader", "--quiet", path]
 
 
-def loaders(bench, engine, rows, one_by_one):
+def loaders(bench, engine, rows, slow_ones):
     files, few = Files(bench.scratch, rows), Files(bench.scratch, min(rows, FEW_ROWS))
     output = bench.scratch / "said.txt"
     driver = [PYTHON, FOLDER / "drivers.py", "load", engine.driver, engine.driver_connect]
@@ -204,12 +205,12 @@ def loaders(bench, engine, rows, one_by_one):
             ("plain ODBC, 50 rows a statement",
              [bench.limits, "load", engine.connect, DEFAULT_TABLE, files.copy], files, {})]
     each.append((*engine.load_tool(files.csv), files, {}))
-    if not is_missing(driver, engine.driver):
-        each.append((f"Python, {engine.driver}", [*driver, files.csv], files, {}))
     if engine.name == "PostgreSQL" and not is_missing(["pgloader"]):
         each.append(("pgloader", pgloader_job(bench, engine, files), files, {}))
-    if not one_by_one:
+    if not slow_ones:
         return contenders_of(each, output)
+    if not is_missing(driver, engine.driver):
+        each.append((f"Python, {engine.driver}", [*driver, files.csv], files, {}))
     each.append(("quillon, edition 1", table_job(bench, "load1", engine, few, 1), few, {}))
     isql = ["isql", "-k", engine.connect, "-b"]
     if not is_missing(isql):
@@ -222,8 +223,8 @@ def contenders_of(each, output):
             for name, arguments, of, options in each]
 
 
-def readers(bench, engine, rows):
-    output = bench.scratch / "read.txt"
+def readers(bench, engine, rows, folder):
+    output = folder / "read.txt"
     query = bench.scratch / "query.sql"
     query.write_text(READ + "\n")
     job = bench.job("read", ["Type=DatabaseQuery", f'ConnectString="{engine.source}"',
@@ -293,8 +294,9 @@ def measure_engine(bench, engine, options):
         say(f"{engine.name}: reading {options.read:,} rows")
         empty_table(engine)
         bench.time(loaders(bench, engine, options.read, False)[0].command)
-        contenders = readers(bench, engine, options.read)
-        measure(bench, contenders, options.repeat, lambda: None, check_read)
+        with tempfile.TemporaryDirectory(dir=MEMORY if MEMORY.is_dir() else None) as folder:
+            contenders = readers(bench, engine, options.read, Path(folder))
+            measure(bench, contenders, options.repeat, lambda: None, check_read)
         print("\n".join(table_rows(f"{engine.name}, reading", options.read, contenders)),
               flush=True)
     command_line(engine, f"drop table {DEFAULT_TABLE}")

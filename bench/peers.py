@@ -15,11 +15,13 @@ import subprocess
 import sys
 import tempfile
 import time
+import zlib
 from pathlib import Path
 
 import generate
 
 HERE = Path(__file__).resolve().parent
+MEMORY = Path("/dev/shm")
 JOB = """Globals
 Edition=2
 EndOfLine=LF
@@ -59,6 +61,11 @@ def make_files(folder, rows, short_rows):
     with (folder / "short.csv").open("w") as file:
         file.write("id,word\n")
         file.writelines(f"{number},word{number % 97}\n" for number in range(short_rows))
+    with (folder / "rows.csv").open(encoding="utf-8", newline="") as rows_file, \
+            (folder / "bad.csv").open("w", encoding="utf-8", newline="") as bad:
+        writer = csv.writer(bad, lineterminator="\n")
+        for number, row in enumerate(csv.reader(rows_file)):
+            writer.writerow(row + ["one more"] * (number % 1000 == 999))
 
 
 def copy_to(query, options="HEADER"):
@@ -88,8 +95,13 @@ def works():
         ("UTF-16 to UTF-8", job("wide.csv"),
          {"DuckDB": copy_to(everything.format("wide.csv", ", encoding='utf-16'"))}),
         ("short rows", job("short.csv"),
-         {"DuckDB": copy_to(everything.format("short.csv", "")),
+         {"quillon, Dialect=Plain": job("short.csv", source_keys="Dialect=Plain\n",
+                                        target_keys="Dialect=Plain\n"),
+          "DuckDB": copy_to(everything.format("short.csv", "")),
           "mawk": ["mawk", "-F,", "-vOFS=,", "{ $1 = $1; print }", "short.csv"]}),
+        ("a bad record of every thousand set aside",
+         job("bad.csv", source_keys="OnBadRow=Reject\nRejectFile=bad\n"),
+         {"quillon, none bad": job("rows.csv", source_keys="OnBadRow=Reject\nRejectFile=bad\n")}),
         ("CSV to JSON", job("rows.csv", "JSONFile"),
          {"DuckDB": copy_to(everything.format("rows.csv", ""), "FORMAT JSON, ARRAY true")}),
         ("CSV to JSON lines", job("rows.csv", "JSONFile", target_keys="Form=Lines\n"),
@@ -102,10 +114,14 @@ def works():
     )
 
 
-def command_of(what, options):
+def command_of(what, options, folder):
     """The command of a peer; None when it is not installed."""
     if isinstance(what, list):
         return what if shutil.which(what[0]) else None
+    if what.startswith("Globals"):
+        name = f"job{zlib.crc32(what.encode())}.qpr"
+        (folder / name).write_text(what)
+        return [str(options.build / "quillon"), f"-config={name}", "-silent"]
     if what.startswith("COPY"):
         if not (options.duckdb / "node_modules/@duckdb").exists():
             return None
@@ -135,22 +151,23 @@ def main():
     parser.add_argument("--rows", type=int, default=1_000_000)
     parser.add_argument("--repeat", type=int, default=3)
     parser.add_argument("--duckdb", type=Path, default=Path.cwd())
+    parser.add_argument("--scratch", type=Path, default=MEMORY if MEMORY.is_dir() else None,
+                        help="folder for the files; what the disk does is not compared in memory")
     parser.add_argument("--only", default="", help="works whose names hold this text")
     options = parser.parse_args()
     options.build, options.duckdb = options.build.resolve(), options.duckdb.resolve()
     print("| Work | quillon, s | peak MiB | beside it | s | quillon's share |\n"
           "|---|--:|--:|---|--:|--:|")
-    with tempfile.TemporaryDirectory() as scratch:
+    with tempfile.TemporaryDirectory(dir=options.scratch) as scratch:
         folder = Path(scratch)
         make_files(folder, options.rows, 3 * options.rows)
         (folder / "node_modules").symlink_to(options.duckdb / "node_modules")
         for name, job, peers in works():
             if options.only not in name:
                 continue
-            (folder / "job.qpr").write_text(job)
-            commands = {"": [str(options.build / "quillon"), "-config=job.qpr", "-silent"]}
-            for peer, what in peers.items():
-                command = command_of(what, options)
+            commands = {}
+            for peer, what in {"": job, **peers}.items():
+                command = command_of(what, options, folder)
                 if command:
                     commands[peer] = command
                 else:

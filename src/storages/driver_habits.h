@@ -10,13 +10,16 @@ namespace DataStorages {
 struct DriverHabits {
     StringView product;               // what the name of the database begins with (SQL_DBMS_NAME)
     StringView driver;                // what the file name of the driver holds; empty: any
+    StringView since;                 // the first version (SQL_DBMS_VER) it is true of; empty: any
     std::size_t rows = 1;             // a statement
     std::size_t most_parameters = 0;  // a statement
     // Rows are sets of parameters of a statement for one row (ODBC reference, "Arrays of Parameter
     // Values"); else the statement has as many rows.
     bool sets = false;
-    // Tells the session's character set. Where that is UTF-8, values travel as UTF-8, else, and
-    // where there is no such query, as UTF-16.
+    // Stands in front of an insert statement with parameters.
+    StringView insert_start;
+    // Tells the session's character set. Where that is UTF-8, values that are inserted, and those
+    // that are read in blocks, travel as UTF-8, else, and where there is no such query, as UTF-16.
     StringView charset_query;
     // Values of all types but binary ones travel as texts whose type the server finds; else with
     // the type of their column.
@@ -31,6 +34,7 @@ struct DriverHabits {
 };
 
 // What holds for a database; one that is not known gets sets of parameters with the columns' types.
-const DriverHabits& HabitsOf(StringView product, StringView driver);
+// version: numbers with full stops between them; what follows those is not looked at
+const DriverHabits& HabitsOf(StringView product, StringView version, StringView driver);
 
 }  // namespace DataStorages

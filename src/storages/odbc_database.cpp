@@ -51,6 +51,7 @@ bool ODBCDatabase::Open(String& error, const String& source, const String& login
             Format(u"ODBCDatabase::Open. Connection handle allocation failed: '%s'", last_error_);
         return false;
     }
+    is_utf8_.reset();
     connected_ = Connect(error, source, login, password);
     if (!connected_) connection_.Reset();
     return connected_;
@@ -164,6 +165,7 @@ bool ODBCDatabase::Execute(const String& statement) {
 
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
+    method_.as_utf8 = method_.in_blocks && CharactersAreUtf8();
     query_active_ = false;
     if (!Execute(statement)) {
         StoreDiagnostic();
@@ -274,7 +276,8 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
 String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
 
 const DriverHabits& ODBCDatabase::Habits() const {
-    return HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+    return HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DBMS_VER),
+                    odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
 }
 
 TransactionKind ODBCDatabase::Transactions() const {
@@ -337,13 +340,20 @@ bool ODBCDatabase::IsConnectionLost() const {
     return dead == SQL_CD_TRUE;
 }
 
-bool ODBCDatabase::CharactersAreUtf8(StringView query) {
+// Whether the session's character set is UTF-8; false where nothing is known that asks for it.
+bool ODBCDatabase::CharactersAreUtf8() {
+    if (is_utf8_) return *is_utf8_;
+    const String query(Habits().charset_query);
+    is_utf8_ = false;
     if (query.empty()) return false;
-    RowSet rows;
-    String ignored;
-    const bool told = Query(ignored, String(query), rows) && Fetch(ignored, rows, false);
-    CloseQuery();
-    return told && rows.Row.front().Text.starts_with(u"utf8");
+    const ODBCHandle statement(ODBCHandle::Kind::Statement, connection_.Get());
+    String name;
+    const bool told =
+        statement && odbc::Succeeded(SQLExecDirectW(statement.Get(), odbc::Wide(query), SQL_NTS)) &&
+        odbc::Succeeded(SQLFetch(statement.Get())) &&
+        value_buffer_.ReadCut(statement.Get(), 1, name) == ODBCValueBuffer::Outcome::Text;
+    is_utf8_ = told && name.starts_with(u"utf8");
+    return *is_utf8_;
 }
 
 std::unique_ptr<RowSender> ODBCDatabase::MakeSender(const InsertTarget& target) {
@@ -351,7 +361,7 @@ std::unique_ptr<RowSender> ODBCDatabase::MakeSender(const InsertTarget& target) 
     const ODBCInsert::Session session{.environment = environment_.Get(),
                                       .connection = connection_.Get(),
                                       .narrow = narrow_driver_,
-                                      .utf8 = CharactersAreUtf8(habits.charset_query)};
+                                      .utf8 = CharactersAreUtf8()};
     return std::make_unique<ODBCInsert>(target, habits, session);
 }
 

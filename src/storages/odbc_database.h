@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "storages/driver_habits.h"
@@ -108,13 +109,14 @@ private:
     bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
     void WidenIntegers(std::vector<ColumnDefinition>& columns) const;
-    bool CharactersAreUtf8(StringView query);
+    bool CharactersAreUtf8();
 
     bool connected_ = false;
     bool in_transactions_ = false;
     bool narrow_driver_ = false;  // without wide calls
     bool query_active_ = false;
     bool reading_failed_ = false;
+    std::optional<bool> is_utf8_;  // what CharactersAreUtf8 found
     ODBCEnvironment environment_;
     ODBCHandle connection_;
     ODBCHandle statement_;

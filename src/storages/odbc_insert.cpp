@@ -236,7 +236,8 @@ String ODBCInsert::StatementFor(std::size_t rows) const {
     String list = u" (";
     for (std::size_t i = 0; i < cells_.size(); ++i) list += i == 0 ? u"?" : u",?";
     list += u')';
-    String statement = target_.head + list;
+    String statement(habits_.insert_start);
+    statement += target_.head + list;
     for (std::size_t row = 1; row < rows; ++row) (statement += u',') += list;
     return statement += target_.end;
 }

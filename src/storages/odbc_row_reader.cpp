@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/utf8.h"
 #include "core/column_type.h"
 #include "core/sql_types.h"
 #include "storages/odbc_calls.h"
@@ -77,6 +78,12 @@ std::size_t CellUnits(const ColumnDefinition& column) {
     return 2 * static_cast<std::size_t>(length) + 2;
 }
 
+// The driver's form of a value in a cell.
+std::int16_t CellType(const ReadingMethod& method, const ColumnDefinition& column, ValueRead read) {
+    if (read == &ODBCValueBuffer::ReadBytes) return SQL_C_BINARY;
+    return method.as_utf8 && KindOf(column) != ColumnKind::Bit ? SQL_C_CHAR : SQL_C_WCHAR;
+}
+
 // Has the driver put whole blocks of rows into cells of fixed size. A value that does not fit is
 // asked for again.
 class Blocks final : public ODBCRowReader {
@@ -87,16 +94,16 @@ public:
     Blocks(const Blocks&) = delete;
     Blocks& operator=(const Blocks&) = delete;
 
+    // Adds a column, whose values come in this form.
+    void Add(std::size_t units, std::int16_t type);
     // Lays the cells out in `bytes`. False when there is no room for a row, or the driver refuses.
-    bool Bind(std::vector<std::size_t> units, bool several_rows, std::uint64_t bytes);
+    bool Bind(bool several_rows, std::uint64_t bytes);
 
     std::int16_t Next() override;
     bool Read(std::uint16_t position, DataValue& value) override;
 
 private:
-    bool HoldsBytes(std::size_t position) const;
-    std::int16_t TypeOf(std::size_t position) const;
-    void Take(std::uint16_t position, std::size_t bytes, String& text) const;
+    bool Take(std::uint16_t position, std::size_t bytes, String& text) const;
     bool AskForRows(std::size_t rows);
     void Unbind();
     std::int16_t FetchBlock();
@@ -105,6 +112,7 @@ private:
     ODBCValueBuffer& buffer_;
     const ValueReads reads_;
     std::vector<std::size_t> units_;     // of a cell, by column
+    std::vector<std::int16_t> types_;    // of the values, by column
     std::vector<std::size_t> first_;     // unit of a column's first cell
     std::unique_ptr<char16_t[]> cells_;  // column by column
     std::vector<SQLLEN> indicators_;     // likewise
@@ -116,24 +124,25 @@ private:
     bool failed_ = false;        // behind its good rows
 };
 
-bool Blocks::HoldsBytes(std::size_t position) const {
-    return reads_[position] == &ODBCValueBuffer::ReadBytes;
+void Blocks::Add(std::size_t units, std::int16_t type) {
+    units_.push_back(units);
+    types_.push_back(type);
 }
 
-std::int16_t Blocks::TypeOf(std::size_t position) const {
-    return HoldsBytes(position) ? SQL_C_BINARY : SQL_C_WCHAR;
-}
-
-// Takes a value that fits into its cell.
-void Blocks::Take(std::uint16_t position, std::size_t bytes, String& text) const {
+// Takes a value that fits into its cell. False where that is not the text that it should be.
+bool Blocks::Take(std::uint16_t position, std::size_t bytes, String& text) const {
     const char16_t* const cell = cells_.get() + first_[position] + row_ * units_[position];
-    if (HoldsBytes(position)) {
+    if (types_[position] == SQL_C_BINARY) {
         text.clear();
         ODBCValueBuffer::AppendDigits(text, cell, bytes);
-        return;
+        return true;
+    }
+    if (types_[position] == SQL_C_CHAR) {
+        return FromUtf8({reinterpret_cast<const char*>(cell), bytes}, text);
     }
     text.assign(cell, bytes / sizeof(char16_t));
     if (reads_[position] == &ODBCValueBuffer::ReadBit) ODBCValueBuffer::ShowBit(text);
+    return true;
 }
 
 bool Blocks::AskForRows(std::size_t rows) {
@@ -142,8 +151,7 @@ bool Blocks::AskForRows(std::size_t rows) {
     return odbc::Succeeded(SQLSetStmtAttrW(statement_, SQL_ATTR_ROW_ARRAY_SIZE, number, 0));
 }
 
-bool Blocks::Bind(std::vector<std::size_t> units, bool several_rows, std::uint64_t bytes) {
-    units_ = std::move(units);
+bool Blocks::Bind(bool several_rows, std::uint64_t bytes) {
     std::size_t row_bytes = 0;
     for (const std::size_t cell : units_) row_bytes += cell * sizeof(char16_t) + sizeof(SQLLEN);
     if (row_bytes > bytes) return false;
@@ -166,7 +174,7 @@ bool Blocks::Bind(std::vector<std::size_t> units, bool several_rows, std::uint64
     indicators_.resize(units_.size() * rows_);
     for (std::size_t i = 0; i < units_.size(); ++i) {
         const auto room = static_cast<SQLLEN>(units_[i] * sizeof(char16_t));
-        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), TypeOf(i),
+        if (!odbc::Succeeded(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), types_[i],
                                         cells_.get() + first_[i], room,
                                         indicators_.data() + i * rows_))) {
             return false;
@@ -214,10 +222,8 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
         return true;
     }
     const std::size_t cell = units_[position];
-    if (bytes >= 0 && static_cast<std::size_t>(bytes) < cell * sizeof(char16_t)) {
-        Take(position, static_cast<std::size_t>(bytes), value.Text);
-        return true;
-    }
+    const bool fits = bytes >= 0 && static_cast<std::size_t>(bytes) < cell * sizeof(char16_t);
+    if (fits && Take(position, static_cast<std::size_t>(bytes), value.Text)) return true;
     const auto row = static_cast<SQLSETPOSIROW>(row_ + 1);
     if (!states_.empty() &&
         !odbc::Succeeded(SQLSetPos(statement_, row, SQL_POSITION, SQL_LOCK_NO_CHANGE))) {
@@ -227,7 +233,7 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
 }
 
 // Null where the driver or the columns do not allow it.
-std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abilities,
+std::unique_ptr<ODBCRowReader> MakeBlocks(const ReadingMethod& method, SQLUINTEGER abilities,
                                           void* statement,
                                           const std::vector<ColumnDefinition>& columns,
                                           ODBCValueBuffer& buffer, const ValueReads& reads) {
@@ -236,14 +242,13 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, SQLUINTEGER abili
     // that say they do read those of another row. So columns whose values may turn out too long
     // are taken row by row.
     bool several_rows = (abilities & SQL_GD_BLOCK) != 0;
-    std::vector<std::size_t> units;
-    for (const ColumnDefinition& column : columns) {
-        const std::size_t cell = CellUnits(column);
-        if (cell == 0) several_rows = false;
-        units.push_back(cell == 0 ? kUnsizedCellUnits : cell);
-    }
     auto blocks = std::make_unique<Blocks>(statement, buffer, reads);
-    if (!blocks->Bind(std::move(units), several_rows, bytes)) return nullptr;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const std::size_t cell = CellUnits(columns[i]);
+        if (cell == 0) several_rows = false;
+        blocks->Add(cell == 0 ? kUnsizedCellUnits : cell, CellType(method, columns[i], reads[i]));
+    }
+    if (!blocks->Bind(several_rows, method.block_bytes)) return nullptr;
     return blocks;
 }
 
@@ -262,7 +267,7 @@ std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method,
     if (method.in_blocks && !may_overrun) {
         SQLUINTEGER abilities = 0;
         SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
-        reader = MakeBlocks(method.block_bytes, abilities, statement, columns, buffer, reads);
+        reader = MakeBlocks(method, abilities, statement, columns, buffer, reads);
     }
     if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, reads);
     return reader;
