@@ -98,7 +98,7 @@ check "build linux-asan" build linux-asan
 $windows && check "build windows" build windows
 check "lint" scripts/lint.sh build/linux
 check "fault proof" tools/fault-proof/fault_proof.py build/linux/quillon --short
-check "fuzz" fuzz/run.sh
+check "fuzz" fuzz/run.sh 10 2
 check "start PostgreSQL and MariaDB" start_servers
 run_tests linux
 run_tests linux-asan

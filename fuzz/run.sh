@@ -1,11 +1,10 @@
 #!/usr/bin/env bash
 # Builds the fuzzers and runs each for some seconds, from the inputs in corpus/. A line for each of
 # them; what it found is kept under build/linux-fuzz/findings/. Ends with 1 when there is a finding.
-#   run.sh [SECONDS]   10 without a number
+#   run.sh [SECONDS [AT_ONCE]]   10 seconds without a number; so many fuzzers at a time, or one
 set -uo pipefail
 cd "$(dirname "$0")/.." || exit 1
-seconds=${1:-10}
-build=$PWD/build/linux-fuzz  # whole names, as some fuzzers have a folder of their own
+export seconds=${1:-10} build=$PWD/build/linux-fuzz  # whole, as some fuzzers go to another folder
 
 mkdir -p build
 if ! { cmake --preset linux-fuzz && cmake --build --preset linux-fuzz; } >build/linux-fuzz.log 2>&1; then
@@ -32,8 +31,6 @@ fuzz() {
     return 1
 }
 
-failed=0
-for folder in fuzz/corpus/*/; do
-    fuzz "$(basename "$folder")" || failed=1
-done
-exit $failed
+export -f fuzz
+find fuzz/corpus -mindepth 1 -maxdepth 1 -printf '%f\n' | sort |
+    xargs -P "${2:-1}" -I{} bash -c 'fuzz {}' || exit 1

@@ -150,9 +150,13 @@ bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
 void DatabaseData::ChooseDialect(sql::Dialect dialect) {
     const sql::Dialect connected = sql::DialectOf(database_->Product());
     const bool has_words = dialect != sql::Dialect::Plain && dialect != sql::Dialect::Connected;
-    maker_.emplace(*database_, connection_, sql::SqlDialect::Of(has_words ? dialect : connected));
-    if (dialect == sql::Dialect::Connected) dialect = connected;
-    dialect_ = dialect == sql::Dialect::Plain ? nullptr : &sql::SqlDialect::Of(dialect);
+    connected_.emplace(sql::SqlDialect::Of(connected));
+    if (connected == sql::Dialect::ANSI) {
+        connected_.emplace(connected_->WithQuotes(database_->IdentifierQuote()));
+    }
+    const sql::SqlDialect& words = has_words ? sql::SqlDialect::Of(dialect) : *connected_;
+    maker_.emplace(*database_, connection_, words);
+    dialect_ = dialect == sql::Dialect::Plain ? nullptr : &words;
 }
 
 bool DatabaseData::Open(String& error, const SectionSettings& settings) {

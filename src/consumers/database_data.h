@@ -77,6 +77,7 @@ private:
 
     InsertMode insert_mode_ = InsertMode::Literal;
     std::size_t insert_rows_ = 1;
+    std::optional<sql::SqlDialect> connected_;  // that of the database
     const sql::SqlDialect* dialect_ = nullptr;  // null: names and values as always
     bool by_name_ = false;
     bool create_table_ = false;

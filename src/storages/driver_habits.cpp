@@ -42,8 +42,8 @@ constexpr DriverHabits kKnown[] = {
      .charset_query = {},
      .texts = true},
     // Sets go to the server as one message: half the time of 50 rows a statement as UTF-8, which
-    // is half the time of UTF-16. Blocks of rows take five times as long as UTF-16. With the type of the column the driver reads times itself, and
-    // refuses those of more than a day.
+    // is half the time of UTF-16. Blocks of rows take five times as long as UTF-16. With the type
+    // of the column the driver reads times itself, and refuses those of more than a day.
     {.product = u"MariaDB",
      .driver = u"maodbc",
      .since = u"",
@@ -112,10 +112,9 @@ bool Matches(const DriverHabits& habits, StringView product, StringView version,
 }  // namespace
 
 const DriverHabits& HabitsOf(StringView product, StringView version, StringView driver) {
-    const auto* const known =
-        std::find_if(std::begin(kKnown), std::end(kKnown), [&](const DriverHabits& habits) {
-            return Matches(habits, product, version, driver);
-        });
+    const auto* const known = std::find_if(
+        std::begin(kKnown), std::end(kKnown),
+        [&](const DriverHabits& habits) { return Matches(habits, product, version, driver); });
     return known == std::end(kKnown) ? kUnknown : *known;
 }
 

@@ -299,10 +299,25 @@ const SqlDialect& SqlDialect::Of(Dialect dialect) {
     return ansi;
 }
 
+SqlDialect::SqlDialect(const DialectTraits& traits, const TypeWords& types)
+    : traits_(traits),
+      types_(types),
+      open_quote_(traits.open_quote),
+      close_quote_(traits.close_quote) {}
+
+SqlDialect SqlDialect::WithQuotes(StringView quotes) const {
+    SqlDialect same = *this;
+    if (quotes.size() == 1 && quotes != u" ") {
+        same.open_quote_ = quotes.front();
+        same.close_quote_ = quotes == u"[" ? u']' : quotes.front();
+    }
+    return same;
+}
+
 void SqlDialect::AppendName(String& statement, StringView name) const {
-    statement += traits_.open_quote;
-    AppendDoubling(statement, name, traits_.close_quote);
-    statement += traits_.close_quote;
+    statement += open_quote_;
+    AppendDoubling(statement, name, close_quote_);
+    statement += close_quote_;
 }
 
 void SqlDialect::AppendName(String& statement, const TableName& name) const {

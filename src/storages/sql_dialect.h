@@ -28,6 +28,9 @@ class SqlDialect {
 public:
     // dialect: none of Plain and Connected, which have no words of their own
     static const SqlDialect& Of(Dialect dialect);
+    // The same with the quotes around names that a driver tells (ODBC reference, SQLGetInfo,
+    // SQL_IDENTIFIER_QUOTE_CHAR): one mark for both sides, or "[". Others change nothing.
+    SqlDialect WithQuotes(StringView quotes) const;
 
     // Appends any name between the quotes of the dialect, those in it doubled: "name", `name`,
     // [name].
@@ -57,11 +60,12 @@ public:
     StringView NullableWord() const;
 
 private:
-    SqlDialect(const DialectTraits& traits, const TypeWords& types)
-        : traits_(traits), types_(types) {}
+    SqlDialect(const DialectTraits& traits, const TypeWords& types);
 
     const DialectTraits& traits_;
     const TypeWords& types_;
+    char16_t open_quote_;
+    char16_t close_quote_;
 };
 
 }  // namespace sql

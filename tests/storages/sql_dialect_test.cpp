@@ -134,6 +134,18 @@ TEST(SqlDialect, TakesDefaultsThatAreNumbersOrTexts) {
     }
 }
 
+TEST(SqlDialect, TakesTheQuotesThatADriverTells) {
+    const std::pair<const char16_t*, const char16_t*> kCases[] = {
+        {u"`", u"`a``\"]`"},   {u"[", u"[a`\"]]]"},    {u"\"", u"\"a`\"\"]\""},
+        {u"", u"\"a`\"\"]\""}, {u" ", u"\"a`\"\"]\""}, {u"<<", u"\"a`\"\"]\""},
+    };
+    for (const auto& [quotes, expected] : kCases) {
+        String name;
+        sql::SqlDialect::Of(sql::Dialect::ANSI).WithQuotes(quotes).AppendName(name, u"a`\"]");
+        EXPECT_EQ(name, expected) << ToUtf8(quotes);
+    }
+}
+
 TEST(SqlDialect, DividesNames) {
     const std::pair<const char16_t*, std::vector<String>> kCases[] = {
         {u"orders", {u"orders"}},

@@ -11,7 +11,6 @@ import collections
 import hashlib
 import json
 import pathlib
-import random
 import re
 import shutil
 import subprocess
@@ -106,6 +105,12 @@ def all_mutants():
                 yield Mutant(name, number, kind, start, end, other, line)
 
 
+def draw(mutants, count, seed):
+    """Most of those drawn stay the same when the sources change elsewhere."""
+    return sorted(mutants, key=lambda mutant: hashlib.sha1(
+        f"{seed} {mutant.name}".encode()).digest())[:count]
+
+
 def run(*command, seconds=1800):
     try:
         return subprocess.run([str(word) for word in command], cwd=TREE, capture_output=True,
@@ -180,7 +185,7 @@ def parse():
 def main():
     options = parse()
     mutants = list(all_mutants())
-    drawn = random.Random(options.seed).sample(mutants, min(options.count, len(mutants)))
+    drawn = draw(mutants, options.count, options.seed)
     if options.list:
         for mutant in drawn:
             print(f"{mutant.path}:{mutant.number + 1}: {mutant.kind}: {mutant.after}")
