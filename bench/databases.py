@@ -289,7 +289,8 @@ def measure_engine(bench, engine, options):
         say(f"{engine.name}: loading {rows:,} rows")
         contenders = loaders(bench, engine, rows, rows == options.load[0])
         measure(bench, contenders, options.repeat, lambda: empty_table(engine), check_loaded)
-        print("\n".join(table_rows(f"{engine.name}, loading {rows:,}", rows, contenders)), flush=True)
+        work = f"{engine.name}, loading {rows:,}"
+        print("\n".join(table_rows(work, rows, contenders)), flush=True)
     if options.read:
         say(f"{engine.name}: reading {options.read:,} rows")
         empty_table(engine)
@@ -297,8 +298,8 @@ def measure_engine(bench, engine, options):
         with tempfile.TemporaryDirectory(dir=MEMORY if MEMORY.is_dir() else None) as folder:
             contenders = readers(bench, engine, options.read, Path(folder))
             measure(bench, contenders, options.repeat, lambda: None, check_read)
-        print("\n".join(table_rows(f"{engine.name}, reading {options.read:,}", options.read, contenders)),
-              flush=True)
+        work = f"{engine.name}, reading {options.read:,}"
+        print("\n".join(table_rows(work, options.read, contenders)), flush=True)
     command_line(engine, f"drop table {DEFAULT_TABLE}")
 
 
