@@ -15,7 +15,7 @@ namespace key_values {
 //
 // Any letter case of 1, 0, true, false, yes, no, on, off.
 std::optional<bool> Flag(StringView value);
-// Digits and nothing else, up to 2^63 - 1.
+// Digits and nothing else, up to 2^63 - 2.
 std::optional<std::int64_t> Number(StringView value);
 // Digits, with K, M or G behind them 1024, 1024² or 1024³ times as many; any letter case.
 std::optional<std::uint64_t> Size(StringView value);

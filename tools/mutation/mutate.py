@@ -73,12 +73,13 @@ def changes(line):
 
 
 class Mutant:
-    def __init__(self, path, number, kind, start, end, text, line):
+    def __init__(self, path, number, kind, start, end, text, line, same):
         self.path, self.number, self.kind = path, number, kind
         self.start, self.end, self.text = start, end, text
         self.before = line.strip()
-        # Stays the same when lines are added above.
-        self.name = hashlib.sha1(f"{path}|{self.before}|{kind}|{start}".encode()).hexdigest()[:10]
+        # Stays the same when other lines are added. same: lines above with the same text
+        self.name = hashlib.sha1(
+            f"{path}|{self.before}|{same}|{kind}|{start}".encode()).hexdigest()[:10]
         # A condition is changed around its literals, which `text` has blanked out.
         inner = f"!({line[start:end]})" if kind == "condition" else text
         self.after = (line[:start] + inner + line[end:]).strip()
@@ -100,9 +101,11 @@ def all_mutants():
         if "/windows/" in name:
             continue
         text = path.read_text("utf-8")
+        seen = collections.Counter()
         for number, (code, line) in enumerate(zip(code_of(text).split("\n"), text.split("\n"))):
             for kind, start, end, other in changes(code):
-                yield Mutant(name, number, kind, start, end, other, line)
+                yield Mutant(name, number, kind, start, end, other, line, seen[line])
+            seen[line] += 1
 
 
 def draw(mutants, count, seed):
