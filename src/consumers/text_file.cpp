@@ -123,8 +123,7 @@ bool TextFile::Prepare(String& error, RowSet& rows) {
     header_pending_ = false;
     if (!ComposeHeader(error, rows)) return false;
     if (!measures_) return WriteText(error, line_);
-    header_delayed_ = true;
-    delayed_header_ = line_;
+    header_delayed_ = true;  // in line_
     return true;
 }
 
@@ -161,7 +160,6 @@ bool TextFile::Write(String& error, RowSet& rows) {
 bool TextFile::EndFile(String& error) {
     if (!header_delayed_) return true;
     header_delayed_ = false;
-    line_ = delayed_header_;
     return WriteText(error, line_);
 }
 

@@ -56,7 +56,6 @@ private:
     bool first_file_ = true;
     bool header_pending_ = false;  // the next Prepare brings the header
     bool header_delayed_ = false;  // Prepare came, but the widths are known with the first row only
-    String delayed_header_;        // the header as it stands should no row come
 };
 
 }  // namespace DataConsumers

@@ -147,12 +147,13 @@ def prepare(jobs):
 def build(jobs):
     """Not all: the manual page is made by the program, which a mutant may keep from ending."""
     return run("cmake", "--build", BUILD, "-j", jobs, "--target", "quillon", "quillon_tests",
-               "quillon_crash", "quillon_test_driver")
+               "quillon_crash", "quillon_test_driver", "quillon_faults")
 
 
 def test(jobs):
     return all(run("ctest", "--test-dir", BUILD, "-j", jobs, "--stop-on-failure", which, SLOW,
-                   seconds=seconds) for which, seconds in (("-E", 180), ("-R", 600)))
+                   seconds=seconds) for which, seconds in (("-E", 180), ("-R", 600))) and run(
+        TREE / "tools/fault-proof/fault_proof.py", BUILD / "quillon", "--short")
 
 
 def fate(mutant, jobs):
