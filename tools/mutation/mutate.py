@@ -13,6 +13,7 @@ import json
 import os
 import pathlib
 import re
+import resource
 import shutil
 import signal
 import subprocess
@@ -89,12 +90,13 @@ class Mutant:
 
     def apply(self):
         path = TREE / self.path
-        lines = path.read_text("utf-8").split("\n")
+        self.was = path.read_text("utf-8")
+        lines = self.was.split("\n")
         lines[self.number] = self.line
         path.write_text("\n".join(lines), "utf-8")
 
     def undo(self):
-        shutil.copyfile(ROOT / self.path, TREE / self.path)
+        (TREE / self.path).write_text(self.was, "utf-8")
 
 
 def all_mutants():
@@ -116,10 +118,16 @@ def draw(mutants, count, seed):
         f"{seed} {mutant.name}".encode()).digest())[:count]
 
 
+def limit_files():
+    """A mutant may write without an end."""
+    resource.setrlimit(resource.RLIMIT_FSIZE, (2 << 30, 2 << 30))
+
+
 def run(*command, seconds=1800):
     """Whether a command succeeds in time. All that it has started ends with it."""
     with subprocess.Popen([str(word) for word in command], cwd=TREE, start_new_session=True,
-                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+                          preexec_fn=limit_files, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL) as process:
         try:
             return process.wait(seconds) == 0
         except subprocess.TimeoutExpired:
@@ -136,7 +144,7 @@ def prepare(jobs):
             continue
         (TREE / name).parent.mkdir(parents=True, exist_ok=True)
         if not (TREE / name).exists() or (ROOT / name).read_bytes() != (TREE / name).read_bytes():
-            shutil.copy2(ROOT / name, TREE / name)
+            shutil.copy(ROOT / name, TREE / name)  # with a new time, so that it is built anew
     # Compiled in less time than what is released; asserts count as tests.
     configured = run("cmake", "-G", "Ninja", "-S", TREE, "-B", BUILD, "-DCMAKE_BUILD_TYPE=None",
                      "-DCMAKE_CXX_FLAGS=-O1 -w -D_GLIBCXX_ASSERTIONS", "-DQUILLON_TESTS=ON")
