@@ -4,8 +4,8 @@ from the scripts of tables and rows. SQLite always takes part, PostgreSQL and Ma
 QUILLON_TEST_POSTGRES and QUILLON_TEST_MARIADB hold ODBC connect strings of servers."""
 import re
 
-from support import (EngineTest, MariaDb, Postgres, Sqlite, quoted, run_tests, section, source,
-                     text_files)
+from support import (EDITION_2, EngineTest, MariaDb, Postgres, Sqlite, quoted, run_tests, section,
+                     source, text_files)
 
 # Each is a table's name and, in its only row, a value. The lone quote comes last: in a job file
 # what follows it, up to the next one, counts as quoted.
@@ -257,6 +257,24 @@ class MariaDbContent(ServerContent, EngineTest):
 
     def two_schemas(self, made):
         return made.name, self.database(name="b").name
+
+    def test_data_source_that_asks_for_a_password(self):
+        made = self.database("create table t (a int); insert into t values (7);")
+        made.add_user("quillon_guest", "identified by 'open sesame'")
+        self.addCleanup(made.drop_user, "quillon_guest")
+        made.run(f"grant select on t to {made.user('quillon_guest')}")
+        words = re.findall("(?i)(?:driver|server|port|database)=[^;]*", made.connect)
+        ini = self.write("odbc.ini", "\n".join(["[Shop]", *words, ""]))
+        for keys, status, said in (
+                ("Login=quillon_guest\nPassword=open sesame", 0, "a\r\n7\r\n"),
+                ("User=quillon_guest\nPassword=open sesame", 0, "a\r\n7\r\n"),
+                ("Login=quillon_guest\nUser=root\nPassword=close", 2, "for 'quillon_guest' failed"),
+                ("Login=quillon_guest", 2, "Access denied")):
+            step = (section("Source", "DatabaseQuery", "DSN=Shop", keys, "Query=select a from t") +
+                    section("Target", "TextFile", "Name=STDOUT"))
+            ended = self.run_job(f"{EDITION_2}Step 1\n{step}", environment={"ODBCINI": str(ini)})
+            self.assertEqual(ended.status, status, ended)
+            self.assertIn(said, (ended.output + ended.errors).decode())
 
     def test_lists_of_a_server_and_of_an_empty_database(self):
         made = self.database("create table only_here (x int)")

@@ -160,8 +160,8 @@ class MariaDb(Server):
         """The user as statements name it."""
         return f"{name}@'127.0.0.1'"
 
-    def add_user(self, user):
-        self.run(f"create user {self.user(user)}")
+    def add_user(self, user, how=""):
+        self.run(f"create user {self.user(user)} {how}")
 
     def drop_user(self, user):
         self.run(f"drop user {self.user(user)}")
