@@ -1,5 +1,7 @@
 #include "consumers/file_target.h"
 
+#include <utility>
+
 #include "support/target_fixture.h"
 
 namespace {
@@ -67,6 +69,48 @@ TEST_F(FileTarget, TellsNumbersFromTextInSpreadsheetsByTheColumn) {
     for (const int type : {-5, 2, 4, 5, 6, 7}) EXPECT_TRUE(number(type)) << type;
     // DECIMAL, DOUBLE, TINYINT, BIT, CHAR, VARCHAR, WVARCHAR, unknown
     for (const int type : {3, 8, -6, -7, 1, 12, -9, 0}) EXPECT_FALSE(number(type)) << type;
+}
+
+TEST_F(FileTarget, NamesSheetsAsSpreadsheetsAllow) {
+    const std::string longest(31, 'x');
+    const std::pair<std::string, std::string> kSheets[] = {
+        {"orders", "orders"},
+        {"ORDERS", "ORDERS_2"},  // letter case does not tell sheets apart
+        {"orders", "orders_3"},
+        {"\\/?*[]:\t", "________"},
+        {"'it's'", "_it's_"},
+        {"'", "_"},
+        {"a&<\"", "a&amp;&lt;&quot;"},
+        {"", "Sheet1"},
+        {"sheet2", "sheet2"},
+        {"", "Sheet3"},
+        {longest + "y", longest},
+        {longest, longest.substr(2) + "_2"},
+        {longest.substr(1) + "\xF0\x9F\x98\x80", longest.substr(1)},  // no half character
+        {longest.substr(3) + "\xF0\x9F\x98\x80" + "x",
+         longest.substr(3) + "\xF0\x9F\x98\x80" + "x"},
+        {longest.substr(3) + "\xF0\x9F\x98\x80" + "X", longest.substr(3) + "_2"},
+    };
+    ASSERT_TRUE(Open(u"Form=Strict|Overwrite=1", "sheets.xml", u"ExcelFile"));
+    bool first = true;
+    for (const auto& [table, sheet] : kSheets) {
+        Describe(u"a");
+        rows_.TableName.clear();
+        ASSERT_TRUE(FromUtf8(table, rows_.TableName));
+        if (!std::exchange(first, false)) {
+            ASSERT_TRUE(target_->NextResultSet(error_, {step_.Job(), Section::Target}));
+        }
+        ASSERT_TRUE(target_->Prepare(error_, rows_)) << ToUtf8(error_);
+    }
+    ASSERT_TRUE(target_->Close(error_)) << ToUtf8(error_);
+    const std::string file = folder_.Read("sheets.xml");
+    std::size_t at = 0;
+    for (const auto& [table, sheet] : kSheets) {
+        const std::string mark = "<Worksheet ss:Name=\"";
+        at = file.find(mark, at) + mark.size();
+        ASSERT_GE(at, mark.size()) << table;
+        EXPECT_EQ(file.substr(at, file.find('"', at) - at), sheet) << table;
+    }
 }
 
 }  // namespace
