@@ -78,8 +78,10 @@ std::vector<Part> SecretParts(StringView text) {
     std::vector<Part> parts;
     FindSecretValues(text, parts);
     FindUserParts(text, parts);
-    std::sort(parts.begin(), parts.end(),
-              [](const Part& left, const Part& right) { return left.begin < right.begin; });
+    // Of two that begin together the longer one stands first, and hides the other.
+    std::sort(parts.begin(), parts.end(), [](const Part& left, const Part& right) {
+        return std::pair(left.begin, right.end) < std::pair(right.begin, left.end);
+    });
     return parts;
 }
 

@@ -144,6 +144,15 @@ class WholeFiles(Scene):
         self.assert_restored(self.run_job(None, **who),
                              b"Could not open file for writing: Permission denied\n")
 
+    def test_others_than_regular_files_are_written_themselves(self):
+        """A name that leads into a process stands for what is open there, even a regular file."""
+        self.assert_ends(self.run_job(self.job(target="/dev/stdout")), 0, ROW * 1000)
+        os.mkfifo(self.path / "out")
+        with subprocess.Popen(["cat", "out"], cwd=self.path, stdout=subprocess.PIPE) as reader:
+            self.assert_ends(self.run_job(self.job()), 0, b"")
+            self.assertEqual(reader.stdout.read(), ROW * 1000)
+        self.assertEqual(sorted(os.listdir(self.path)), ["in.txt", "job.qpr", "out"])
+
     def test_part_file_that_is_left_or_held(self):
         self.write("out", OLD)
         self.write(PART, b"left by a killed run")
