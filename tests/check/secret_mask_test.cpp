@@ -37,8 +37,8 @@ TEST(SecretMask, HidesWhatStandsBehindNamesOfSecrets) {
                     {u"Pwd=a=b;c", u"Pwd=***;c"},
                     // One value within another is hidden once.
                     {u"Pwd=http://joe:x@db;c=1", u"Pwd=***;c=1"},
-            {u"Pwd=//joe:x@db;c=1", u"Pwd=***;c=1"},
-            {u"//pwd=joe:xyz@db", u"//***db"},
+                    {u"Pwd=//joe:x@db;c=1", u"Pwd=***;c=1"},
+                    {u"//pwd=joe:xyz@db", u"//***db"},
                     // Three words are no name.
                     {u"where my token = 'a'", u"where my token = 'a'"},
                     {u"pass word=abc", u"pass word=abc"},
