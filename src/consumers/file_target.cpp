@@ -187,7 +187,6 @@ bool FileTarget::RefuseInput(String& error, const String& name) const {
 }
 
 bool FileTarget::OwnsStandardOutput(const SectionSettings& settings, String other_name) {
-    if (!settings.Follows(Rule::ConsoleIsForAll)) return false;
     settings.ResolveAllMacros(other_name);
     return IsConsoleWord(other_name.empty() ? settings.Text(kName) : other_name);
 }

@@ -38,6 +38,7 @@ public:
 
     // Whether a section names standard output for its file. Every file target takes it by the same
     // words then, byte for byte, and nothing else may mix into it.
+    // settings: of a job that follows ConsoleIsForAll
     // other_name: will take the place of the section's, macros still in it; empty for none
     static bool OwnsStandardOutput(const SectionSettings& settings, String other_name);
 
