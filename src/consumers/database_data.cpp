@@ -151,7 +151,8 @@ void DatabaseData::ChooseDialect(sql::Dialect dialect) {
     const sql::Dialect connected = sql::DialectOf(database_->Product());
     const bool has_words = dialect != sql::Dialect::Plain && dialect != sql::Dialect::Connected;
     connected_.emplace(sql::SqlDialect::Of(connected));
-    if (connected == sql::Dialect::ANSI) {
+    const bool is_used = create_table_ || dialect == sql::Dialect::Connected;
+    if (is_used && connected == sql::Dialect::ANSI) {  // as what is not known
         connected_.emplace(connected_->WithQuotes(database_->IdentifierQuote()));
     }
     const sql::SqlDialect& words = has_words ? sql::SqlDialect::Of(dialect) : *connected_;

@@ -51,6 +51,7 @@ bool ODBCDatabase::Open(String& error, const String& source, const String& login
             Format(u"ODBCDatabase::Open. Connection handle allocation failed: '%s'", last_error_);
         return false;
     }
+    habits_ = nullptr;
     is_utf8_.reset();
     connected_ = Connect(error, source, login, password);
     if (!connected_) connection_.Reset();
@@ -165,7 +166,7 @@ bool ODBCDatabase::Execute(const String& statement) {
 
 bool ODBCDatabase::Query(String& error, const String& statement, RowSet& rows) {
     if (!PrepareStatement(error, statement)) return false;
-    method_.as_utf8 = method_.in_blocks && CharactersAreUtf8();
+    if (method_.in_blocks) CharactersAreUtf8();  // while there is no other statement
     query_active_ = false;
     if (!Execute(statement)) {
         StoreDiagnostic();
@@ -227,12 +228,14 @@ bool ODBCDatabase::DescribeResult(RowSet& rows) {
         return false;
     }
     WidenIntegers(rows.Columns);
-    reader_ = MakeRowReader(method_, Habits(), connection_.Get(), statement_.Get(), rows.Columns,
-                            value_buffer_);
+    const ReaderSession session{.habits = Habits(),
+                                .connection = connection_.Get(),
+                                .utf8 = method_.in_blocks && CharactersAreUtf8()};
+    reader_ = MakeRowReader(method_, session, statement_.Get(), rows.Columns, value_buffer_);
     return true;
 }
 
-void ODBCDatabase::WidenIntegers(std::vector<ColumnDefinition>& columns) const {
+void ODBCDatabase::WidenIntegers(std::vector<ColumnDefinition>& columns) {
     if (!Habits().wide_integers) return;
     for (ColumnDefinition& column : columns) {
         if (column.ConciseType == SQL_INTEGER) column.ConciseType = SQL_BIGINT;
@@ -275,9 +278,12 @@ bool ODBCDatabase::HasMoreData(String& error, RowSet& rows) {
 
 String ODBCDatabase::Product() const { return odbc::InfoText(connection_.Get(), SQL_DBMS_NAME); }
 
-const DriverHabits& ODBCDatabase::Habits() const {
-    return HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DBMS_VER),
-                    odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+const DriverHabits& ODBCDatabase::Habits() {
+    if (habits_ == nullptr) {
+        habits_ = &HabitsOf(Product(), odbc::InfoText(connection_.Get(), SQL_DBMS_VER),
+                            odbc::InfoText(connection_.Get(), SQL_DRIVER_NAME));
+    }
+    return *habits_;
 }
 
 TransactionKind ODBCDatabase::Transactions() const {

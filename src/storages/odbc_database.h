@@ -105,10 +105,10 @@ private:
     bool RecordMove(std::int16_t result);
     void StoreDiagnostic();
     ODBCCatalogue Catalogue();
-    const DriverHabits& Habits() const;
+    const DriverHabits& Habits();
     bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
-    void WidenIntegers(std::vector<ColumnDefinition>& columns) const;
+    void WidenIntegers(std::vector<ColumnDefinition>& columns);
     bool CharactersAreUtf8();
 
     bool connected_ = false;
@@ -116,7 +116,8 @@ private:
     bool narrow_driver_ = false;  // without wide calls
     bool query_active_ = false;
     bool reading_failed_ = false;
-    std::optional<bool> is_utf8_;  // what CharactersAreUtf8 found
+    const DriverHabits* habits_ = nullptr;  // of this connection, once they have been asked for
+    std::optional<bool> is_utf8_;           // likewise, what CharactersAreUtf8 found
     ODBCEnvironment environment_;
     ODBCHandle connection_;
     ODBCHandle statement_;

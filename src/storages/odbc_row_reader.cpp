@@ -79,9 +79,9 @@ std::size_t CellUnits(const ColumnDefinition& column) {
 }
 
 // The driver's form of a value in a cell.
-std::int16_t CellType(const ReadingMethod& method, const ColumnDefinition& column, ValueRead read) {
+std::int16_t CellType(bool utf8, const ColumnDefinition& column, ValueRead read) {
     if (read == &ODBCValueBuffer::ReadBytes) return SQL_C_BINARY;
-    return method.as_utf8 && KindOf(column) != ColumnKind::Bit ? SQL_C_CHAR : SQL_C_WCHAR;
+    return utf8 && KindOf(column) != ColumnKind::Bit ? SQL_C_CHAR : SQL_C_WCHAR;
 }
 
 // Has the driver put whole blocks of rows into cells of fixed size. A value that does not fit is
@@ -233,10 +233,12 @@ bool Blocks::Read(std::uint16_t position, DataValue& value) {
 }
 
 // Null where the driver or the columns do not allow it.
-std::unique_ptr<ODBCRowReader> MakeBlocks(const ReadingMethod& method, SQLUINTEGER abilities,
+std::unique_ptr<ODBCRowReader> MakeBlocks(std::uint64_t bytes, const ReaderSession& session,
                                           void* statement,
                                           const std::vector<ColumnDefinition>& columns,
                                           ODBCValueBuffer& buffer, const ValueReads& reads) {
+    SQLUINTEGER abilities = 0;
+    SQLGetInfoW(session.connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
     if (columns.empty() || (abilities & SQL_GD_BOUND) == 0) return nullptr;
     // Only a driver that reads values of every row of a block again may have several, and some
     // that say they do read those of another row. So columns whose values may turn out too long
@@ -246,28 +248,26 @@ std::unique_ptr<ODBCRowReader> MakeBlocks(const ReadingMethod& method, SQLUINTEG
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::size_t cell = CellUnits(columns[i]);
         if (cell == 0) several_rows = false;
-        blocks->Add(cell == 0 ? kUnsizedCellUnits : cell, CellType(method, columns[i], reads[i]));
+        blocks->Add(cell == 0 ? kUnsizedCellUnits : cell,
+                    CellType(session.utf8, columns[i], reads[i]));
     }
-    if (!blocks->Bind(several_rows, method.block_bytes)) return nullptr;
+    if (!blocks->Bind(several_rows, bytes)) return nullptr;
     return blocks;
 }
 
 }  // namespace
 
 std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method,
-                                             const DriverHabits& habits, void* connection,
-                                             void* statement,
+                                             const ReaderSession& session, void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer) {
-    const ValueReads reads = ReadsOf(method, habits, columns);
-    const bool may_overrun =
-        habits.overruns && std::any_of(columns.begin(), columns.end(),
-                                       [](const auto& column) { return CellUnits(column) == 0; });
+    const ValueReads reads = ReadsOf(method, session.habits, columns);
+    const bool may_overrun = session.habits.overruns &&
+                             std::any_of(columns.begin(), columns.end(),
+                                         [](const auto& column) { return CellUnits(column) == 0; });
     std::unique_ptr<ODBCRowReader> reader;
     if (method.in_blocks && !may_overrun) {
-        SQLUINTEGER abilities = 0;
-        SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &abilities, sizeof abilities, nullptr);
-        reader = MakeBlocks(method, abilities, statement, columns, buffer, reads);
+        reader = MakeBlocks(method.block_bytes, session, statement, columns, buffer, reads);
     }
     if (!reader) reader = std::make_unique<ValueByValue>(statement, buffer, reads);
     return reader;

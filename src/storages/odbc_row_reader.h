@@ -25,12 +25,18 @@ public:
     virtual bool Read(std::uint16_t position, DataValue& value) = 0;
 };
 
+// What a reader has to know of the connection.
+struct ReaderSession {
+    const DriverHabits& habits;
+    void* connection = nullptr;
+    bool utf8 = false;  // its character set; texts of blocks come from the driver in it
+};
+
 // The reader that the method asks for, or the one that asks for each value where the driver or the
 // columns do not allow blocks.
-// connection: of the statement; buffer: takes long values
+// buffer: takes long values
 std::unique_ptr<ODBCRowReader> MakeRowReader(const ReadingMethod& method,
-                                             const DriverHabits& habits, void* connection,
-                                             void* statement,
+                                             const ReaderSession& session, void* statement,
                                              const std::vector<ColumnDefinition>& columns,
                                              ODBCValueBuffer& buffer);
 

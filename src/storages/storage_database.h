@@ -48,8 +48,6 @@ struct ReadingMethod {
     // A result fails where the driver does not tell how many columns it has, and their names and
     // types; else there are none, without names.
     bool told_columns = false;
-    // Texts of blocks come from the driver as UTF-8: the session's character set is that.
-    bool as_utf8 = false;
 };
 
 enum class TableKind { Tables = 0, Views = 1 };
