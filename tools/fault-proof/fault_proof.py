@@ -452,7 +452,9 @@ def main():
         by_job, by_kind = {}, collections.defaultdict(Figures)
         for job in JOBS:
             if options.only in job.title:
-                by_job[job.title] = prove(proof, plan, pool, job, by_kind)
+                figures = by_job[job.title] = prove(proof, plan, pool, job, by_kind)
+                print(f"{time.monotonic() - start:.0f} s: {job.title}, {figures.tried} runs",
+                      file=sys.stderr, flush=True)
         findings = print_table("Job", by_job)
         print_table("Fault", by_kind)
     print(f"{time.monotonic() - start:.0f} seconds")
