@@ -1,10 +1,14 @@
 // File descriptors behind the program's files and streams.
 #pragma once
 
+#include <fcntl.h>
+#include <sys/types.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace platform {
@@ -28,6 +32,32 @@ public:
 private:
     int number_;
 };
+
+// Makes a call again for as long as a signal comes in between (EINTR), which is nobody's failure.
+// Not for close(): the descriptor is gone by then. call: returns a negative number, with errno set,
+// when it fails
+template <typename Call>
+auto Uninterrupted(const Call& call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) result = call();
+    return result;
+}
+
+// Opens `name`, which no child inherits; -1, with errno set, when it cannot be opened.
+// mode: the rights of a new file, less the user's umask
+inline int OpenDescriptor(const std::string& name, int flags, mode_t mode = 0666) {
+    return Uninterrupted([&] { return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode); });
+}
+
+// Takes all of a file's bytes away; false, with errno set, when they stay.
+inline bool EmptyFile(int descriptor) {
+    return Uninterrupted([&] { return ::ftruncate(descriptor, 0); }) == 0;
+}
+
+// Whether the disk holds what was written; errno tells why not.
+inline bool FlushToDisk(int descriptor) {
+    return Uninterrupted([&] { return ::fsync(descriptor); }) == 0;
+}
 
 // Writes all of `bytes`, in one call unless the system takes them piecemeal. Returns how many
 // arrived; errno tells why fewer did.

@@ -49,10 +49,9 @@ bool CopyBytes(int from, int to) {
     if (::lseek(from, 0, SEEK_SET) != 0) return false;
     std::vector<std::byte> buffer(kPieceBytes);
     for (;;) {
-        const ssize_t count = ::read(from, buffer.data(), buffer.size());
-        if (count == 0) return true;
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
+        const ssize_t count =
+            Uninterrupted([&] { return ::read(from, buffer.data(), buffer.size()); });
+        if (count <= 0) return count == 0;
         const std::span piece(buffer.data(), static_cast<std::size_t>(count));
         if (WriteFully(to, piece) != piece.size()) return false;
     }
@@ -73,19 +72,19 @@ bool PutCopyInPlace(PartFile& part, int in, const Status& source, const Status* 
     SetTimeOfWriting(out.Get(), source);
     const bool like = old != nullptr ? TakeOwner(out.Get(), *old) && TakeRights(out.Get(), *old)
                                      : TakeRights(out.Get(), source);
-    return like && (!flush || ::fsync(out.Get()) == 0) && out.Close() && part.PutInPlace();
+    return like && (!flush || FlushToDisk(out.Get())) && out.Close() && part.PutInPlace();
 }
 
 // Writes into the file itself. Copies onto the same file wait for each other; that lock is none
 // that a file which is being written holds, so a job can copy over its own log.
 bool CopyInPlace(int in, const Status& source, const fs::path& to, bool exists) {
-    Descriptor out(::open(to.c_str(), O_WRONLY | O_CLOEXEC | (exists ? 0 : O_CREAT), S_IWUSR));
+    Descriptor out(OpenDescriptor(to.native(), O_WRONLY | (exists ? 0 : O_CREAT), S_IWUSR));
     if (out.Get() < 0) return false;
     struct flock whole {};
     whole.l_type = F_WRLCK;
-    ::fcntl(out.Get(), F_OFD_SETLKW, &whole);
+    Uninterrupted([&] { return ::fcntl(out.Get(), F_OFD_SETLKW, &whole); });
     if (!exists && !TakeRights(out.Get(), source)) return false;
-    if (::ftruncate(out.Get(), 0) != 0 || !CopyBytes(in, out.Get())) return false;
+    if (!EmptyFile(out.Get()) || !CopyBytes(in, out.Get())) return false;
     SetTimeOfWriting(out.Get(), source);
     return out.Close();
 }
@@ -132,10 +131,10 @@ bool OpenAndCopy(const fs::path& from, const fs::path& to) {
     if (!FindRegular(from, source)) return false;
     if (exists && !S_ISREG(old.st_mode)) return FailWith(ENOTSUP);
     if (exists && IsSameFile(source, old)) return FailWith(EEXIST);
-    const Descriptor in(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor in(OpenDescriptor(from.native(), O_RDONLY));
     if (in.Get() < 0) return false;
     // Replacing a file would not ask for the right to write it.
-    if (exists && Descriptor(::open(to.c_str(), O_WRONLY | O_CLOEXEC)).Get() < 0) return false;
+    if (exists && Descriptor(OpenDescriptor(to.native(), O_WRONLY)).Get() < 0) return false;
     return Copy(in.Get(), source, to, exists ? &old : nullptr);
 }
 
@@ -152,7 +151,7 @@ bool PutAnyInPlace(const fs::path& from, const fs::path& to) {
         return part.CreateLink(from) && part.PutInPlace();
     Status source{};
     if (!FindRegular(from, source)) return false;
-    const Descriptor in(::open(from.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor in(OpenDescriptor(from.native(), O_RDONLY));
     return in.Get() >= 0 && PutCopyInPlace(part, in.Get(), source, nullptr, true);
 }
 

@@ -27,12 +27,6 @@ bool IsRegularFile(int descriptor) {
     return status && S_ISREG(status->st_mode);
 }
 
-// Opens `name`; -1, with errno set, when it cannot be opened.
-int OpenDescriptor(const std::string& name, int flags) {
-    constexpr mode_t kNewFileMode = 0666;  // less the user's umask
-    return ::open(name.c_str(), flags | O_CLOEXEC | O_NOCTTY, kNewFileMode);
-}
-
 std::optional<struct stat> StatusOf(const String& name) {
     struct stat status {};
     if (HoldsZero(name) || ::stat(ToNativeBytes(name).c_str(), &status) != 0) return std::nullopt;
@@ -63,11 +57,7 @@ public:
 protected:
     std::int64_t ReadSome(std::span<std::byte> bytes) override {
         if (waits_ && PauseListener::IsThere()) TellOfPause();
-        ssize_t count = 0;
-        do {
-            count = ::read(descriptor_.Get(), bytes.data(), bytes.size());
-        } while (count < 0 && errno == EINTR);
-        return count;
+        return Uninterrupted([&] { return ::read(descriptor_.Get(), bytes.data(), bytes.size()); });
     }
 
 private:
@@ -208,7 +198,7 @@ std::unique_ptr<OutputFile> OutputFile::Open(ErrorRecord& error, const String& n
     const auto status = descriptor.Get() < 0 ? std::nullopt : StatusOf(descriptor.Get());
     // Emptied only now that nobody else is writing it.
     const bool empty = mode == Mode::Truncate && status && S_ISREG(status->st_mode);
-    if (!status || (empty && ::ftruncate(descriptor.Get(), 0) != 0)) {
+    if (!status || (empty && !EmptyFile(descriptor.Get()))) {
         error = SystemError();
         return nullptr;
     }

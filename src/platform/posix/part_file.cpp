@@ -23,7 +23,7 @@ Descriptor PartFile::Create() {
     int number = -1;
     do {
         name = NextName();
-        number = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        number = OpenDescriptor(name.native(), O_WRONLY | O_CREAT | O_EXCL, 0600);
     } while (number < 0 && errno == EEXIST);
     if (number >= 0) name_ = std::move(name);
     return Descriptor(number);

@@ -63,7 +63,7 @@ bool FailWith(int reason) {
 
 // Whether the part file of a killed run, or none, stands under the name: it is gone afterwards.
 bool RemoveLeftOver(const fs::path& part) {
-    const Descriptor left(::open(part.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor left(OpenDescriptor(part.native(), O_RDWR | O_NOFOLLOW | O_NONBLOCK));
     if (left.Get() < 0) return errno == ENOENT;
     Status status{};
     if (::fstat(left.Get(), &status) != 0) return false;
@@ -78,7 +78,7 @@ bool RemoveLeftOver(const fs::path& part) {
 // Throws nothing: nobody would know of a file that has just been made.
 Descriptor CreateLocked(const fs::path& part, mode_t rights) {
     for (;;) {
-        Descriptor made(::open(part.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, rights));
+        Descriptor made(OpenDescriptor(part.native(), O_RDWR | O_CREAT | O_EXCL, rights));
         const bool own = made.Get() >= 0 && LockForWriting(made.Get());
         const Named named = own ? IsNamed(made.Get(), part.native()) : Named::No;
         if (named == Named::Yes) return made;
@@ -165,12 +165,10 @@ public:
         return OutputFileOn(std::move(copy));
     }
 
-    bool Empty(ErrorRecord& error) override {
-        return Told(error, ::ftruncate(file_->Get(), 0) == 0);
-    }
+    bool Empty(ErrorRecord& error) override { return Told(error, EmptyFile(file_->Get())); }
 
     bool FlushToDisk(ErrorRecord& error) override {
-        return Told(error, ::fsync(file_->Get()) == 0);
+        return Told(error, platform::FlushToDisk(file_->Get()));
     }
 
     bool PutInPlace(ErrorRecord& error) override {
@@ -178,9 +176,8 @@ public:
         if (!Told(error, ::rename(part_.c_str(), target_.c_str()) == 0)) return false;
         removed_.reset();
         // The name is in the folder. Not every file system lets a folder be flushed.
-        const Descriptor folder(
-            ::open(FolderOf(target_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (folder.Get() >= 0) ::fsync(folder.Get());
+        const Descriptor folder(OpenDescriptor(FolderOf(target_).native(), O_RDONLY | O_DIRECTORY));
+        if (folder.Get() >= 0) platform::FlushToDisk(folder.Get());
         return true;
     }
 

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -25,12 +24,10 @@ public:
     }
 
     std::int64_t ReadAt(std::uint64_t position, std::span<std::byte> bytes) override {
-        ssize_t count = 0;
-        do {
-            count = ::pread(descriptor_.Get(), bytes.data(), bytes.size(),
-                            static_cast<off_t>(position));
-        } while (count < 0 && errno == EINTR);
-        return count;
+        return Uninterrupted([&] {
+            return ::pread(descriptor_.Get(), bytes.data(), bytes.size(),
+                           static_cast<off_t>(position));
+        });
     }
 
     std::uint64_t Size() const override { return size_; }
