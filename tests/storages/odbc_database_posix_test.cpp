@@ -54,8 +54,9 @@ std::vector<std::string> ReadAll(const String& words, bool in_blocks, std::uint6
 TEST(OdbcDriver, IsReadAlikeWhateverItRefuses) {
     const String kContents[] = {u"Rows=0;", u"Rows=1;", u"Rows=2500;", u"Rows=40;Sets=3;",
                                 u"Rows=40;Fail=SQLFetch:1;"};
-    const String kManners[] = {u"",           u"Refuse=27;", u"NoBlocks=1;",         u"NoTotal=1;",
-                               u"Piece=999;", u"Short=1;",   u"Short=1;NoBlocks=1;", u"Refuse=25;"};
+    const String kManners[] = {u"",           u"Refuse=27;",          u"NoBlocks=1;",
+                               u"NoTotal=1;", u"Piece=999;",          u"LastRow=1;",
+                               u"Short=1;",   u"Short=1;NoBlocks=1;", u"Refuse=25;"};
     for (const String& content : kContents) {
         const auto expected = ReadAll(content, false, 0);
         for (const String& manner : kManners) {

@@ -10,6 +10,7 @@
 //   Refuse=N       refuses the statement attribute of that number (27: rows of a block, 22: rows of
 //                  parameters)
 //   NoBlocks=1     says that values of a block cannot be asked for again
+//   LastRow=1      says that they can, and hands out those of the last row
 //   NoTotal=1      does not know how long a value is
 //   Short=1        tells of the long texts that they have 60 characters at most
 //   Piece=N        nor does it hand out more than so many characters of one at a time
@@ -682,7 +683,8 @@ STATEMENT(SQLGetData,
 STATEMENT(SQLSetPos, (SQLHSTMT handle, SQLSETPOSIROW row, SQLUSMALLINT, SQLUSMALLINT),
           const std::size_t block = statement.Size(SQL_ATTR_ROW_ARRAY_SIZE);
           const std::size_t count = (statement.next - 1) % block + 1;
-          statement.current = statement.next - count + row - 1; statement.reading = {};
+          const bool last = statement.connection.Number("LastRow", 0) != 0;
+          statement.current = statement.next - (last ? 1 : count - row + 1); statement.reading = {};
           return SQL_SUCCESS;)
 
 STATEMENT(SQLMoreResults, (SQLHSTMT handle), if (statement.sets_left <= 0) return SQL_NO_DATA;
