@@ -158,6 +158,7 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     sink_ = OpenFileSink(error, name, std::move(file), form_, goes_on_, sink_policy_);
     if (sink_ == nullptr) return false;
     if (!CanGoOn() && !sink_->BeganEmpty()) {
+        sink_.reset();
         error =
             Format(u"The file '%s' holds something, and a document cannot be appended to.", name);
         return false;
@@ -194,7 +195,9 @@ bool FileTarget::OwnsStandardOutput(const SectionSettings& settings, String othe
 // What comes after what did not arrive must not be written.
 void FileTarget::NoteLoss() {
     write_failed_ = true;
-    written_size_ -= std::min(written_size_, sink_->Lost());
+    for (auto* const count : {&written_size_, &written_files_.back().bytes}) {
+        *count -= std::min(*count, sink_->Lost());
+    }
 }
 
 bool FileTarget::CloseSink(String& error) {

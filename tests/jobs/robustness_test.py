@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """What the built program does when the world is against it: hostile job files, full disks, pipes
 that are closed or do not wait, strange arguments. Runs on Linux."""
+import json
 import os
 import pathlib
 import resource
@@ -80,6 +81,10 @@ class Robustness(Scene):
     def test_full_disk(self):
         self.assert_ends(self.run_job(COPY.format("in.txt", "/dev/full")), 2, errors=b"Could not "
                          b"write to file '/dev/full': No space left on device\n")
+        self.run_job(COPY.format("in.txt", "/dev/full"), "-Edition=2", "-report=report.json")
+        step, = json.loads((self.path / "report.json").read_text())["steps"]
+        self.assertEqual((step["bytes_written"], step["files"]),
+                         (0, [{"name": "/dev/full", "bytes": 0}]))
         self.write("in.txt", "a\n" + "123456789\n" * 1000)
         limit, line = 4096 + 5, b"123456789\r\n"
         ended = self.run_job(COPY.format("in.txt", "out.txt"), **limit_files(limit))
