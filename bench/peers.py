@@ -82,6 +82,10 @@ def works():
         return JOB.format(source=source, target=target, source_keys=source_keys,
                           target_keys=target_keys)
 
+    def document(target, peers=None):
+        return (job("rows.csv", target), (peers or {}) | {
+            "quillon, Form=Plain": job("rows.csv", target, target_keys="Form=Plain\n")})
+
     return (
         ("CSV to CSV", job("rows.csv"),
          {"split through UTF-16, buffered": "LIMITS split rows.csv out",
@@ -102,14 +106,14 @@ def works():
         ("a bad record of every thousand set aside",
          job("bad.csv", source_keys="OnBadRow=Reject\nRejectFile=bad\n"),
          {"quillon, none bad": job("rows.csv", source_keys="OnBadRow=Reject\nRejectFile=bad\n")}),
-        ("CSV to JSON", job("rows.csv", "JSONFile"),
-         {"DuckDB": copy_to(everything.format("rows.csv", ""), "FORMAT JSON, ARRAY true")}),
+        ("CSV to JSON", *document("JSONFile", {
+            "DuckDB": copy_to(everything.format("rows.csv", ""), "FORMAT JSON, ARRAY true")})),
         ("CSV to JSON lines", job("rows.csv", "JSONFile", target_keys="Form=Lines\n"),
          {"DuckDB": copy_to(everything.format("rows.csv", ""), "FORMAT JSON")}),
-        ("CSV to XML", job("rows.csv", "XMLFile"), {}),
-        ("CSV to spreadsheet", job("rows.csv", "ExcelFile"), {}),
-        ("CSV to HTML", job("rows.csv", "HtmlFile"), {}),
-        ("CSV to RTF", job("rows.csv", "RTFFile"), {}),
+        ("CSV to XML", *document("XMLFile")),
+        ("CSV to spreadsheet", *document("ExcelFile")),
+        ("CSV to HTML", *document("HtmlFile")),
+        ("CSV to RTF", *document("RTFFile")),
         ("CSV to SQL", job("rows.csv", "SQLScript", target_keys="Table=t\n"), {}),
     )
 
