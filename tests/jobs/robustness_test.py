@@ -62,10 +62,14 @@ class Robustness(Scene):
         self.assert_ends(ended, errors=ended.errors)
         self.assertEqual((self.path / "out.txt").read_bytes(), b"1\r\n")
 
-    def test_source_is_a_folder(self):
+    def test_source_that_cannot_be_read(self):
         self.assert_ends(self.run_job(COPY.format(".", "out.txt")), 2,
                          b"Could not open file for reading: Is a directory\n")
         self.assertFalse((self.path / "out.txt").exists())
+        self.write("in.txt", "a\tb\n1\t2\n3\n")
+        keys = "in.txt\nDialect=CSV\nDelimiter=tab\nOnBadRow=Stop"
+        self.assert_ends(self.run_job(COPY.format(keys, "out.txt")), 2,
+                         b"Line 3: 1 field where 2 columns are.\n")
 
     def test_pipes_as_files(self):
         copy = COPY.format("/dev/stdin", "out.txt")
