@@ -18,7 +18,8 @@ fuzz() {
     corpus=$(mktemp -d)
     rm -rf "$found" && mkdir -p "$found"
     cp "fuzz/corpus/$1/"* "$corpus"
-    "$build/fuzz/$1_fuzzer" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
+    # A minute of the clock: beside other work an input has little of the processor.
+    "$build/fuzz/$1_fuzzer" -max_total_time="$seconds" -timeout=60 -report_slow_units=60 -rss_limit_mb=4096 \
         -print_final_stats=1 -artifact_prefix="$found/" "$corpus" >"$log" 2>&1
     local status=$?
     runs=$(sed -nE 's/^stat::number_of_executed_units: +//p' "$log")
