@@ -49,9 +49,11 @@ String Taken(const KeySpec& key) {
             return u"a number of bytes, with K, M or G behind it for larger units";
         case KeyKind::Numbers:
             return u"numbers from 1 up, with commas between them";
-        case KeyKind::Columns:
-            return key.words.empty() ? u"column numbers from 1 up"
+        case KeyKind::Column:
+            return key.words.empty() ? u"a column number from 1 up"
                                      : u"a column number from 1 up, or *";
+        case KeyKind::Columns:
+            return u"column numbers from 1 up";
         default:
             break;
     }

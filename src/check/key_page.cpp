@@ -65,8 +65,10 @@ String ShownValues(const KeySpec& key) {
             return u"size";
         case KeyKind::Numbers:
             return u"numbers";
+        case KeyKind::Column:
+            return key.words.empty() ? u"column" : u"column or *";
         case KeyKind::Columns:
-            return key.words.empty() ? u"columns" : u"column or *";
+            return u"columns";
         case KeyKind::Type:
             return u"type";
         case KeyKind::Text:

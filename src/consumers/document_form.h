@@ -13,6 +13,7 @@ struct FormRules {
     bool ends_each_file = true;  // otherwise the file before a further one stays without its end
     bool counts_start = true;    // the written size counts what begins a file
     bool counts_end = true;      // and what ends it
+    StringView line_end = {};    // what ends a row, where each is a line
 };
 
 // One way in which a format puts the rows of a step into files; see DocumentTarget. Chosen when the

@@ -35,6 +35,7 @@ protected:
 private:
     bool ReadSettings(String& error, const SectionSettings& settings) final;
     bool CanGoOn() const final { return form_->Rules().goes_on; }
+    StringView LineEnd() const final { return form_->Rules().line_end; }
     bool BeginFile(String& error) final;
     bool ContinueFile(String& error) final;
     bool LeaveFile(String& error) final;

@@ -12,6 +12,8 @@ namespace {
 using Form = LineLayout::Form;
 using Quotation = LineLayout::Quotation;
 
+constexpr char16_t kByteOrderMark = u'\xFEFF';
+
 bool IsBlank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
 
 // ---- How a field is written: one class for each way, all of one shape ----
@@ -64,6 +66,7 @@ private:
         if (text.size() == null_text_.size() && text == null_text_) return true;
         if (text.empty()) return false;
         if (IsBlank(text.front()) || IsBlank(text.back())) return true;
+        if (text.front() == kByteOrderMark) return true;  // it may come to stand first in the file
         const char16_t* const end = text.data() + text.size();
         return FindUnit(text.data(), end, [delimiter = delimiter_, quote = quote_](auto unit) {
                    return (unit == delimiter) | (unit == quote) | (unit == u'\r') | (unit == u'\n');
@@ -202,7 +205,12 @@ private:
     bool Append(String& error, StringView text, const ColumnDefinition& column, StringView what,
                 std::size_t& next, String& line) const {
         const std::size_t position = next++;
-        if (position >= widths_.size()) return true;  // the count is checked at the end
+        if (position >= widths_.size()) return true;            // the count is checked at the end
+        if (text.find_first_of(u"\r\n") != StringView::npos) {  // it would begin another row
+            error = Format(u"Column '%s' has a line end in its %s, which Widths cannot hold.",
+                           column.Name, what);
+            return false;
+        }
         const std::size_t width = WidthOf(text, true);
         if (width > widths_[position]) {
             error = Format(u"Column '%s' is %u characters wide; its %s has %u.", column.Name,

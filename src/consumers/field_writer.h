@@ -39,6 +39,8 @@ public:
     //   "Widths names %u columns where %u are."
     //   "Column '%s' is %u characters wide; its name has %u."
     //   "Column '%s' is %u characters wide; its value has %u."
+    //   "Column '%s' has a line end in its name, which Widths cannot hold."
+    //   "Column '%s' has a line end in its value, which Widths cannot hold."
     virtual bool AppendNames(String& error, const RowSet& rows, String& line) const = 0;
     // As many values as columns.
     virtual bool AppendValues(String& error, const RowSet& rows, String& line) const = 0;

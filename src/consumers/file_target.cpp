@@ -155,6 +155,7 @@ bool FileTarget::OpenNamed(String& error, const SectionSettings& settings) {
     if (!files_.Replaces(name) && RefuseInput(error, name)) return false;
     auto file = files_.Open(error, name, goes_on_);
     if (!file) return false;
+    if (form_.keeps_encoding) form_.line_end = LineEnd();
     sink_ = OpenFileSink(error, name, std::move(file), form_, goes_on_, sink_policy_);
     if (sink_ == nullptr) return false;
     if (!CanGoOn() && !sink_->BeganEmpty()) {

@@ -63,6 +63,8 @@ protected:
     // Whether a file that holds something can go on; otherwise opening it for that fails with "The
     // file '%s' holds something, and a document cannot be appended to."
     virtual bool CanGoOn() const { return true; }
+    // What ends a line of a format of lines, so that what is appended begins one; empty for others.
+    virtual StringView LineEnd() const { return {}; }
     // A file has been opened; see GoesOn.
     virtual bool BeginFile(String& error);
     // Writes what ends a file.

@@ -38,6 +38,7 @@ public:
 
 private:
     bool ReadSettings(String& error, const SectionSettings& settings) override;
+    StringView LineEnd() const override { return u"\r\n"; }
     bool BeginFile(String& error) override;
     bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;

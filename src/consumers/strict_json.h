@@ -39,7 +39,7 @@ private:
 // JSON Lines: one object a line.
 class JsonLines final : public JsonObjects {
 public:
-    JsonLines() : JsonObjects({}) {}
+    JsonLines() : JsonObjects({.line_end = u"\n"}) {}
 
 private:
     bool AppendValues(String& error, const DataRow& row, String& out) override;

@@ -44,12 +44,15 @@ constexpr StringView kRowEnd = u"</Row>\n";
 
 // Whether a spreadsheet keeps all of a number: its digits, and how big or small it is.
 bool IsKept(StringView number) {
-    constexpr std::size_t kLongest = 200;        // digits; doubles end at 308
-    constexpr std::size_t kLongestExponent = 4;  // "e+99"
+    constexpr std::size_t kLongest = 200;  // digits; doubles end at 308
+    constexpr std::size_t kLongestExponent = 2;
     const std::size_t mantissa = std::min(number.find_first_of(u"eE"), number.size());
     if (mantissa <= kKeptDigits && mantissa == number.size()) return true;  // nearly all
+    StringView exponent = number.substr(mantissa);
+    if (!exponent.empty()) exponent.remove_prefix(1);
+    if (exponent.starts_with(u'+') || exponent.starts_with(u'-')) exponent.remove_prefix(1);
     return SignificantDigits(number) <= kKeptDigits && mantissa <= kLongest &&
-           number.size() - mantissa <= kLongestExponent;
+           exponent.size() <= kLongestExponent;
 }
 
 // Bits are numbers, too: not every reader keeps cells of the type Boolean.

@@ -43,6 +43,7 @@ private:
                          const std::optional<String>& null_text, LineLayout& layout);
     static bool ReadQuotation(String& error, const SectionSettings& settings, bool csv,
                               LineLayout& layout);
+    StringView LineEnd() const override { return end_of_line_; }
     bool BeginFile(String& error) override;
     bool ContinueFile(String& error) override;
     bool EndFile(String& error) override;

@@ -18,7 +18,8 @@ enum class KeyKind {
     Size,     // bytes, or with K, M, G behind them 1024, 1024² and 1024³ times as many
     Word,     // one of the key's words
     Numbers,  // numbers, separated by commas
-    Columns,  // column numbers from 1, separated by commas, or "*" where the key says so
+    Column,   // a column number from 1, or "*" where the key says so
+    Columns,  // column numbers from 1, separated by commas
     Type,     // a type word, or a System command
 };
 

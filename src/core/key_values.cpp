@@ -114,10 +114,12 @@ bool IsValid(const KeySpec& spec, StringView value) {
             return Number(value).has_value();
         case KeyKind::Size:
             return Size(value).has_value();
+        case KeyKind::Column:
+            return Word(spec, value, true).has_value() ||
+                   Number(text::Trim(value, text::kBlanks)).value_or(0) != 0;
         case KeyKind::Numbers:
-            return Numbers(value).has_value();
         case KeyKind::Columns:
-            return Word(spec, value, true).has_value() || Numbers(value).has_value();
+            return Numbers(value).has_value();
         default:
             return Word(spec, value, true).has_value();
     }

@@ -18,6 +18,7 @@ enum class Rule {
     NoEmptyTables,         // no table without rows stands between two result sets
     TabHasEscape,          // a delimiter may be written as \t
     EmptyTextIsTold,       // a text file that should hold names and is empty is told of by its name
+    DataTypesChecked,      // a word of DataTypes that is none is refused
     WidthsAsWritten,       // fixed widths are those of what is written, in every result set
     LossesAreCounted,      // the statistics count records skipped and rows rejected
     DriversQuotes,         // names in queries stand between the quotes that the driver tells

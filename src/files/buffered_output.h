@@ -23,8 +23,9 @@ public:
     bool Close(ErrorRecord& error) override;
 
     bool IsRegular() const override { return file_->IsRegular(); }
-    bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) override {
-        return file_->ReadStart(error, bytes, count);
+    bool ReadAt(ErrorRecord& error, std::uint64_t position, std::span<std::byte> bytes,
+                std::size_t& count) override {
+        return file_->ReadAt(error, position, bytes, count);
     }
     bool SeekEnd(ErrorRecord& error, std::uint64_t& position) override {
         return file_->SeekEnd(error, position);

@@ -1,10 +1,12 @@
 #include "files/record_reader.h"
 
 #include <array>
+#include <optional>
 #include <utility>
 
 #include "files/byte_order_mark.h"
 #include "files/csv_records.h"
+#include "files/format.h"
 #include "files/line_reader.h"
 #include "files/line_records.h"
 #include "files/line_splitter.h"
@@ -54,9 +56,10 @@ private:
     String text_;
 };
 
-// What a stream's mark says, with the mark taken off. `skipped` is its length.
-FileEncoding TakeMark(platform::InputFile& stream, const RecordEncoding& wanted,
-                      std::size_t& skipped) {
+// What a stream's mark says, with the mark taken off. `skipped` is its length. Nothing, with
+// `error`, where it contradicts the job.
+std::optional<FileEncoding> TakeMark(ErrorRecord& error, platform::InputFile& stream,
+                                     const RecordEncoding& wanted, std::size_t& skipped) {
     using By = RecordEncoding::By;
     skipped = 0;
     std::array<std::byte, 3> start{};
@@ -68,12 +71,17 @@ FileEncoding TakeMark(platform::InputFile& stream, const RecordEncoding& wanted,
         wanted.by == By::Mark || own || (wanted.by == By::Bytes && marked == Encoding::Utf8);
     if (taken) skipped = ByteOrderMarkOf(marked).size();
     stream.PutBack(read.subspan(skipped));
+    if (named && !wanted.encoding.code_page && !own && marked != Encoding::Ansi) {
+        error.text = Format(u"The file begins with the byte-order mark of %s, not of %s.",
+                            NameOf({.form = marked}), NameOf(wanted.encoding));
+        return std::nullopt;
+    }
     if (named) return wanted.encoding;
     if (wanted.by == By::Bytes) {
         const bool wide = marked == Encoding::Utf16LittleEndian;
-        return {.form = wide ? marked : Encoding::Ansi};
+        return FileEncoding{.form = wide ? marked : Encoding::Ansi};
     }
-    return {.form = marked == Encoding::Ansi ? Encoding::Utf8 : marked};
+    return FileEncoding{.form = marked == Encoding::Ansi ? Encoding::Utf8 : marked};
 }
 
 }  // namespace
@@ -106,7 +114,9 @@ std::unique_ptr<RecordReader> MakeRecordReader(ErrorRecord& error,
         return lines;
     }
     std::size_t skipped = 0;
-    const FileEncoding found = TakeMark(*stream, encoding, skipped);
+    const std::optional<FileEncoding> taken = TakeMark(error, *stream, encoding, skipped);
+    if (!taken) return nullptr;
+    const FileEncoding& found = *taken;
     std::unique_ptr<TextDecoder> decoder = MakeTextDecoder(error, found);
     if (!decoder) return nullptr;
     DecodedInput input(std::move(stream), std::move(decoder), skipped, piece_bytes);

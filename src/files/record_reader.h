@@ -92,7 +92,8 @@ protected:
 void TakeField(const RecordField& field, char16_t quote, String& value);
 
 // Opens a file. On failure returns null and `error` holds the message:
-// "Could not open file for reading: " and the system's text, or that of MakeTextDecoder.
+// "Could not open file for reading: " and the system's text, that of MakeTextDecoder, or
+// "The file begins with the byte-order mark of %s, not of %s."
 std::unique_ptr<RecordReader> OpenRecords(ErrorRecord& error, const String& name,
                                           const RecordEncoding& encoding,
                                           const RecordLayout& layout);

@@ -1,7 +1,9 @@
 #include "files/text_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "base/notices.h"
 #include "files/byte_order_mark.h"
@@ -38,8 +40,9 @@ bool TextWriter::Begin(ErrorRecord& error, const String& name,
     output_ = std::move(file);
     // What is no regular file has no content to go on behind, and no mark of its own.
     const bool behind_content = goes_on && output_->IsRegular();
+    Encoding own = Encoding::Ansi;
     if (behind_content) {
-        const Encoding own = OwnMark();
+        own = OwnMark();
         const bool keeps = own == Encoding::Ansi && form.keeps_encoding;
         if (!keeps && !MakeEncoder(error, form, {own})) return false;
     }
@@ -49,8 +52,29 @@ bool TextWriter::Begin(ErrorRecord& error, const String& name,
         output_.reset();
         return false;
     }
-    began_empty_ = position == 0;
-    if (began_empty_ && form.marked) WriteByteOrderMark();
+    const bool bare = form.keeps_encoding && position == ByteOrderMarkOf(own).size();
+    began_empty_ = position == 0 || bare;
+    if (position == 0 && form.marked) WriteByteOrderMark();
+    return began_empty_ || form.line_end.empty() || GoBehind(error, form, position);
+}
+
+// What is added begins a line. position: the end of the file
+bool TextWriter::GoBehind(ErrorRecord& error, const TextForm& form, std::uint64_t position) {
+    bool ends = false;
+    for (const StringView unit : {u"\n", u"\r"}) {
+        if (!ends && !EndsWith(error, unit, position, ends)) return false;
+    }
+    return output_->SeekEnd(error, position) && (ends || Write(error, form.line_end));
+}
+
+bool TextWriter::EndsWith(ErrorRecord& error, StringView text, std::uint64_t position, bool& ends) {
+    std::span<const std::byte> wanted;
+    if (!encoder_->Encode(error, text, wanted)) return false;
+    std::vector<std::byte> last(wanted.size());
+    if (last.size() > position) return true;
+    std::size_t count = 0;
+    if (!output_->ReadAt(error, position - last.size(), last, count)) return false;
+    ends = std::ranges::equal(last, wanted);
     return true;
 }
 
@@ -66,7 +90,7 @@ Encoding TextWriter::OwnMark() {
     std::array<std::byte, 3> start{};
     std::size_t count = 0;
     ErrorRecord failure;
-    if (!output_->ReadStart(failure, start, count)) {
+    if (!output_->ReadAt(failure, 0, start, count)) {
         TellNotice(Format(u"dFile::CheckUnicode could not read the file [%d].\n", failure.code),
                    NoticeStream::Output);
     }

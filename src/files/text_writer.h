@@ -16,9 +16,11 @@ struct TextForm {
     Unmappable unmappable = Unmappable::Cut;
     bool marked =
         true;  // a new file begins with the byte-order mark of its encoding, if it has one
-    // Appending: a file without a mark goes on in `encoding` instead of in Ansi, and an empty one
-    // is like a new one.
+    // Appending: a file without a mark goes on in `encoding` instead of in Ansi, and one that holds
+    // nothing, or a mark alone, is like a new one.
     bool keeps_encoding = false;
+    // Appending: what goes behind a last line that has no end, LF or CR; empty: nothing does.
+    String line_end = {};
 };
 // Opens a file for writing and creates it when missing. existed: whether it was there.
 // append: its content is kept; otherwise it is emptied.
@@ -38,8 +40,8 @@ public:
     //         that cannot be read counts as none, and a notice for standard output says
     //         "dFile::CheckUnicode could not read the file [%d].\n" with the system's code. A pipe,
     //         a FIFO or a device holds nothing to go on behind: it gets what a new file gets.
-    // Fails with "Could not open file for writing: " and the system's text, the code is kept; and
-    // as MakeTextEncoder does, before any file is touched.
+    // Fails with "Could not open file for writing: " and the system's text, the code is kept; as
+    // MakeTextEncoder does, before any file is touched; and as Write does where a line end is due.
     bool Open(ErrorRecord& error, const String& name, const TextForm& form, bool append);
     // The same with a file that has been opened.
     // name: for messages. goes_on: it was there before and is appended to.
@@ -49,7 +51,7 @@ public:
     // What the text is written in: after an append, what the file's own mark declares.
     const FileEncoding& CurrentEncoding() const { return encoding_; }
 
-    // Whether the file held nothing when it was opened.
+    // Whether the file held nothing when it was opened; see TextForm::keeps_encoding.
     bool BeganEmpty() const { return began_empty_; }
     // Characters replaced since Open, see TextEncoder.
     std::uint64_t Replaced() const { return encoder_ ? encoder_->Replaced() : 0; }
@@ -75,6 +77,8 @@ public:
 private:
     bool MakeEncoder(ErrorRecord& error, const TextForm& form, const FileEncoding& encoding);
     Encoding OwnMark();
+    bool GoBehind(ErrorRecord& error, const TextForm& form, std::uint64_t position);
+    bool EndsWith(ErrorRecord& error, StringView text, std::uint64_t position, bool& ends);
     void WriteByteOrderMark();
     bool Fail(ErrorRecord& error);
 

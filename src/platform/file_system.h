@@ -112,8 +112,10 @@ public:
     // cut back to where it was, so that it ends with the last whole record; `error` then holds the
     // system's text and code.
     virtual bool Write(ErrorRecord& error, std::span<const std::byte> bytes) = 0;
-    // Reads from the start of the file into `bytes`; `count` is how many were there.
-    virtual bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) = 0;
+    // Reads into `bytes` from a position of the file, in bytes; `count` is how many were there.
+    // Where is written next is not known then.
+    virtual bool ReadAt(ErrorRecord& error, std::uint64_t position, std::span<std::byte> bytes,
+                        std::size_t& count) = 0;
     // Hands on what a file has gathered that does not write at once; fails as Write does.
     virtual bool Flush(ErrorRecord& /*error*/) { return true; }
     // Moves to the end; `position` is where that is, 0 for what has no length. False when the

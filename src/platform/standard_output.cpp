@@ -14,8 +14,8 @@ public:
         error = SystemError();
         return false;
     }
-    bool ReadStart(ErrorRecord& /*error*/, std::span<std::byte> /*bytes*/,
-                   std::size_t& count) override {
+    bool ReadAt(ErrorRecord& /*error*/, std::uint64_t /*position*/, std::span<std::byte> /*bytes*/,
+                std::size_t& count) override {
         count = 0;
         return true;
     }

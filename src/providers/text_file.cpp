@@ -161,12 +161,25 @@ bool TextFile::FindInput(String& error, const SectionSettings& settings) {
     return true;
 }
 
-bool TextFile::ReadLayout(String& error, const SectionSettings& settings) {
-    using Form = RecordLayout::Form;
+bool TextFile::ReadTypes(String& error, const SectionSettings& settings) {
     const String words = settings.Text(kDataTypes);
     std::vector<StringView> fields;
     if (!words.empty()) SplitLine(words, u',', {}, OuterQuotes::Strip, fields);
     type_words_.assign(fields.begin(), fields.end());
+    if (!settings.Follows(Rule::DataTypesChecked)) return true;
+    for (String& word : type_words_) {
+        word = text::Lowered(text::Trim(word, text::kBlanks));
+        if (word.empty() || word == u"text" || &TypeOf(word) != &kTextColumn) continue;
+        error = Format(
+            u"'%s' is no word of DataTypes. It takes integer, short, number, float or text.", word);
+        return false;
+    }
+    return true;
+}
+
+bool TextFile::ReadLayout(String& error, const SectionSettings& settings) {
+    using Form = RecordLayout::Form;
+    if (!ReadTypes(error, settings)) return false;
     header_ = settings.Flag(kHeader);
 
     TextSigns signs;
@@ -182,7 +195,6 @@ bool TextFile::ReadLayout(String& error, const SectionSettings& settings) {
     if (!comment.empty()) layout_.comment = comment.front();
     quote_ = signs.quote.empty() ? u'\0' : signs.quote.front();
     row_follows_columns_ = layout_.form != Form::Plain || settings.Follows(Rule::RowFollowsColumns);
-    rest_is_null_ = layout_.form != Form::Plain;
     encoding_ = EncodingOf(settings);
     return ReadNullText(error, settings, signs, null_text_);
 }
@@ -279,12 +291,13 @@ bool TextFile::ReadFirstRecord(String& error) {
         record_pending_ = false;
         ++blanks_pending_;
     }
-    return blanks_pending_ != 0;
+    return blanks_pending_ != 0 || (error.empty() && !layout_.widths.empty());
 }
 
 void TextFile::DescribeColumns(RowSet& rows) const {
     const std::vector<RecordField>& fields = reader_->Fields();
-    const std::size_t count = header_ || record_pending_ ? fields.size() : 1;
+    std::size_t count = header_ || record_pending_ ? fields.size() : 1;
+    if (!layout_.widths.empty()) count = layout_.widths.size();
     for (std::size_t i = 0; i < count; ++i) {
         const ColumnType& type = i < type_words_.size() ? TypeOf(type_words_[i]) : kTextColumn;
         String name = Format(u"Column%d", i + 1);
@@ -388,7 +401,7 @@ void TextFile::Deliver(RowSet& rows) const {
         TakeField(fields[i], quote_, value.Text);
         value.IsNull = IsNull(fields[i], rows, i);
     }
-    if (!rest_is_null_) return;
+    if (!row_follows_columns_) return;  // values of the row before stay
     for (std::size_t i = count; i < rows.Row.size(); ++i) {
         rows.Row[i].Text.clear();
         rows.Row[i].IsNull = true;

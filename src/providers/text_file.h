@@ -18,6 +18,7 @@ public:
 
     // "'Name' parameter not specified."
     // "File '%s' does not exist or inaccessible."
+    // "'%s' is no word of DataTypes. It takes integer, short, number, float or text."
     // Keys that contradict each other, see ReadLayout; the file layer's messages. Without a first
     // record, where one is needed for the columns, fails when `Header` is set, with
     // "File '%s' is empty." or without a text as the edition says; otherwise there are no columns.
@@ -45,6 +46,7 @@ private:
     enum class Fate { Delivered, Dropped, Fatal };
 
     bool FindInput(String& error, const SectionSettings& settings);
+    bool ReadTypes(String& error, const SectionSettings& settings);
     bool ReadLayout(String& error, const SectionSettings& settings);
     bool ReadBadRows(String& error, const SectionSettings& settings);
     bool OpenReader(String& error);
@@ -76,7 +78,6 @@ private:
     std::shared_ptr<platform::SpoolFile> spool_;  // what is read from now on
 
     bool row_follows_columns_ = false;  // otherwise it has as many values as the first record
-    bool rest_is_null_ = false;         // of a short row; otherwise it keeps the values before
     BadRow short_rows_ = BadRow::Skip;
     BadRow long_rows_ = BadRow::Deliver;
     BadRow faulty_rows_ = BadRow::Stop;

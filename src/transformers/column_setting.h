@@ -31,7 +31,7 @@ bool ReadColumn(String& error, const SectionSettings& settings, StringView trans
 // `ApplyTo` of the transformers that work on one column.
 inline constexpr KeyTable kColumnKeys({
     {.name = u"ApplyTo",
-     .kind = KeyKind::Columns,
+     .kind = KeyKind::Column,
      .meaning = u"the column, counted from 1",
      .needed = u"column"},
 });

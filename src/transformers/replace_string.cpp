@@ -8,7 +8,7 @@ namespace {
 
 constexpr KeyTable kKeys({
     {.name = u"ApplyTo",
-     .kind = KeyKind::Columns,
+     .kind = KeyKind::Column,
      .words = u"*",
      .meaning = u"the column, counted from 1, or * for all",
      .needed = u"column"},

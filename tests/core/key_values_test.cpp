@@ -61,21 +61,26 @@ TEST(KeyValues, AreReadStrictly) {
 TEST(KeyValues, AreWordsOfTheirKey) {
     constexpr KeySpec kKey{
         .name = u"K", .kind = KeyKind::Word, .words = u"One Two CPnnnn", .loose_words = 2};
-    constexpr KeySpec kColumns{.name = u"C", .kind = KeyKind::Columns, .words = u"All"};
+    constexpr KeySpec kColumn{.name = u"C", .kind = KeyKind::Column, .words = u"All"};
+    constexpr KeySpec kColumns{.name = u"C", .kind = KeyKind::Columns};
     const struct {
         const char16_t* text;
         std::optional<std::size_t> strict, loose;
-        bool columns;
+        bool column, columns;
     } cases[] = {
-        {u"One", 0, 0, false},      {u"tWO", 1, {}, false},       {u"CP1", 2, {}, false},
-        {u"cp12345", 2, {}, false}, {u"CP123456", {}, {}, false}, {u"CP", {}, {}, false},
-        {u"CP12a", {}, {}, false},  {u"XP12", {}, {}, false},     {u"One Two", {}, {}, false},
-        {u"all", {}, {}, true},     {u"1,2", {}, {}, true},       {u"1,x", {}, {}, false},
+        {u"One", 0, 0, false, false},        {u"tWO", 1, {}, false, false},
+        {u"CP1", 2, {}, false, false},       {u"cp12345", 2, {}, false, false},
+        {u"CP123456", {}, {}, false, false}, {u"CP", {}, {}, false, false},
+        {u"CP12a", {}, {}, false, false},    {u"XP12", {}, {}, false, false},
+        {u"One Two", {}, {}, false, false},  {u"all", {}, {}, true, false},
+        {u" 2", {}, {}, true, true},         {u"0", {}, {}, false, false},
+        {u"1,2", {}, {}, false, true},       {u"1,x", {}, {}, false, false},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(key_values::Word(kKey, c.text, true), c.strict) << ToUtf8(c.text);
         EXPECT_EQ(key_values::Word(kKey, c.text, false), c.loose) << ToUtf8(c.text);
         EXPECT_EQ(key_values::IsValid(kKey, c.text), c.strict.has_value()) << ToUtf8(c.text);
+        EXPECT_EQ(key_values::IsValid(kColumn, c.text), c.column) << ToUtf8(c.text);
         EXPECT_EQ(key_values::IsValid(kColumns, c.text), c.columns) << ToUtf8(c.text);
     }
     EXPECT_TRUE(key_values::IsValid(kKey, u""));

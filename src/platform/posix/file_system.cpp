@@ -86,8 +86,10 @@ public:
         return false;
     }
 
-    bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) override {
-        const ssize_t got = ::pread(descriptor_.Get(), bytes.data(), bytes.size(), 0);
+    bool ReadAt(ErrorRecord& error, std::uint64_t position, std::span<std::byte> bytes,
+                std::size_t& count) override {
+        const ssize_t got =
+            ::pread(descriptor_.Get(), bytes.data(), bytes.size(), static_cast<off_t>(position));
         if (got < 0) {
             error = SystemError();
             return false;

@@ -104,9 +104,10 @@ public:
         return false;
     }
 
-    bool ReadStart(ErrorRecord& error, std::span<std::byte> bytes, std::size_t& count) override {
+    bool ReadAt(ErrorRecord& error, std::uint64_t position, std::span<std::byte> bytes,
+                std::size_t& count) override {
         DWORD got = 0;
-        if (Move(handle_.Get(), 0, FILE_BEGIN) < 0 ||
+        if (Move(handle_.Get(), static_cast<std::int64_t>(position), FILE_BEGIN) < 0 ||
             ::ReadFile(handle_.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &got,
                        nullptr) == FALSE) {
             error = SystemError();

@@ -1,0 +1,2 @@
+-- done
+insert into "t"("a","b") values ('1','2');
