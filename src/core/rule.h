@@ -28,5 +28,7 @@ enum class Rule {
     BytesAsDigits,         // bytes of databases are read whole, as hexadecimal digits
     TargetsAreDescribed,   // a table that takes rows is described without reading it
     ColumnsMustBeTold,     // a result fails of which the driver does not tell the columns
+    FoldersMoveAlone,      // MoveFolder moves no file
+    WholeLines,            // WriteFile adds a whole line of its own or tells why there is none
     MemoryFailsStep,       // a step that memory runs out in fails and says so, and is no crash
 };

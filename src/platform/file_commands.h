@@ -32,8 +32,12 @@ std::optional<bool> IsRootOrHoldsCurrentFolder(ErrorRecord& error, const String&
 bool CopyOneFile(ErrorRecord& error, const String& from, const String& to);
 
 // Gives a file or a folder another name; a file replaces what is there. A file may change to
-// another file system, a folder not. After a failure the file is whole under its old name.
+// another file system, a folder not. After a failure the file is whole under its old name. Fails as
+// a file that exists when `to` is the file that `from` is or leads to, under another name.
 bool MovePath(ErrorRecord& error, const String& from, const String& to);
+
+// The same with a folder or a link to one, which replaces nothing. Fails for what is no folder.
+bool MoveOneFolder(ErrorRecord& error, const String& from, const String& to);
 
 bool RemoveOneFile(ErrorRecord& error, const String& file);
 

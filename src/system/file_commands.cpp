@@ -1,10 +1,17 @@
 #include "system/file_commands.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <span>
+#include <vector>
 
 #include "config/encoding_setting.h"
+#include "files/byte_order_mark.h"
 #include "files/dfile.h"
 #include "files/format.h"
+#include "files/text_encoder.h"
+#include "files/text_writer.h"
 #include "platform/file_commands.h"
 #include "platform/file_system.h"
 
@@ -185,6 +192,57 @@ std::optional<bool> IsProtected(ErrorRecord& reason, const String& folder) {
     return platform::IsRootOrHoldsCurrentFolder(reason, folder);
 }
 
+constexpr StringView kLineEnd = u"\r\n";
+
+bool CanEncode(ErrorRecord& error, const TextForm& form, StringView text) {
+    const auto encoder = MakeTextEncoder(error, form.encoding, form.unmappable);
+    std::span<const std::byte> ignored;
+    return encoder && encoder->Encode(error, text, ignored);
+}
+
+// True when a file's last character is a line feed. What cannot be read counts as a whole line.
+bool EndsWithLine(const String& name, const FileEncoding& encoding) {
+    ErrorRecord ignored;
+    const auto encoder = MakeTextEncoder(ignored, encoding, Unmappable::Replace);
+    std::span<const std::byte> line_feed;
+    if (!encoder || !encoder->Encode(ignored, u"\n", line_feed)) return true;
+    std::vector<std::byte> end(line_feed.size());
+    return !platform::ReadFileEnd(name, end) || std::ranges::equal(end, line_feed);
+}
+
+// What is to be written in front of a line: the mark of a new file, or the line end that the file
+// lacks.
+String LineStart(const TextWriter& writer, const String& name, const TextForm& form) {
+    const FileEncoding& encoding = writer.CurrentEncoding();
+    if (!writer.BeganEmpty()) return String(EndsWithLine(name, encoding) ? StringView() : kLineEnd);
+    const bool marked = form.marked && !ByteOrderMarkOf(encoding.form).empty();
+    return marked ? String(1, u'\uFEFF') : String();
+}
+
+// Writes a line of its own in one piece, so that a failure leaves none of it. A text that cannot be
+// encoded touches no file.
+bool WriteLine(ErrorRecord& error, const String& name, const String& text, const TextForm& form,
+               bool append) {
+    const String line = text + String(kLineEnd);
+    const bool goes_on = append && platform::PathExists(name);
+    if (!goes_on && !CanEncode(error, form, line)) return false;
+    TextForm unmarked = form;
+    unmarked.marked = false;
+    TextWriter file;
+    return file.Open(error, name, unmarked, append) &&
+           file.Write(error, LineStart(file, name, form) + line) && file.Finish(error);
+}
+
+// The same for jobs that want no more than that something was written; notices tell what was not.
+bool WriteLoosely(ErrorRecord& error, const String& name, const String& text, const TextForm& form,
+                  bool append) {
+    dFile file;
+    const bool written = file.Open(error, name, form, append) && file.Write(error, text) &&
+                         file.Write(error, kLineEnd);
+    file.Close();
+    return written;
+}
+
 }  // namespace
 
 KeyList FileNameKeys() { return {kFileNameKeys}; }
@@ -221,7 +279,11 @@ bool CopyFolderCommand(String& error, const SectionSettings& settings) {
 
 bool MoveFolderCommand(String& error, const SectionSettings& settings) {
     const PathNames names(settings, kFromFolder, kMovedFolder);
-    return CheckFolderNames(error, names, u"Move Folder: ") && Move(error, names);
+    if (!CheckFolderNames(error, names, u"Move Folder: ")) return false;
+    if (!settings.Follows(Rule::FoldersMoveAlone)) return Move(error, names);
+    ErrorRecord reason;
+    const bool moved = platform::MoveOneFolder(reason, names.from, names.to);
+    return Report(error, moved, reason, u"Move", names);
 }
 
 bool DeleteFileCommand(String& error, const SectionSettings& settings) {
@@ -263,9 +325,6 @@ bool WriteFileCommand(String& error, const SectionSettings& settings) {
         return Refuse(error, u"Write File: ", u"file name or text is empty.");
     }
     ErrorRecord reason;
-    dFile file;
-    const bool written = file.Open(reason, name, form, !overwrite) && file.Write(reason, text) &&
-                         file.Write(reason, u"\r\n");
-    file.Close();
-    return Report(error, written, {}, reason);
+    const auto write = settings.Follows(Rule::WholeLines) ? WriteLine : WriteLoosely;
+    return Report(error, write(reason, name, text, form, !overwrite), {}, reason);
 }

@@ -30,6 +30,16 @@ class FileCommands(Scene):
         self.assertEqual((ended.status, ended.output.decode().rstrip("\r\n")),
                          (2 if message else 0, message))
 
+    def run_edition_2(self, command, message="", **keys):
+        """The same in edition 2; the message is what follows the place."""
+        lines = [f"{name}={value}" for name, value in keys.items()]
+        job = "\n".join(["Globals", "Edition=2", "Step 1", "System", f"Command={command}", *lines])
+        ended = self.run_job(job + "\n", **self.options)
+        name = keys.get("File", keys.get("From"))
+        place = f"Step 1 (job.qpr:3), system {command} '{name}': "
+        said = ended.errors.decode().replace("\r\n", "\n")
+        self.assertEqual((ended.status, said), (2, f"{place}{message}\n") if message else (0, ""))
+
     def tree(self, name):
         """Each entry below a folder with what it is: a text, a link's target, or None."""
         root = self.path / name
@@ -113,6 +123,47 @@ class FileCommands(Scene):
                          To="folder")
         self.run_command("DeleteFile", "Is a directory", File="folder")
         self.assertEqual((self.path / "file").read_text(), "kept")
+
+    @LINUX_ONLY
+    def test_a_file_is_not_moved_onto_itself_by_another_name(self):
+        self.write("tree/d/data", "kept")
+        for name, path in (("latest", "d/data"), ("newer", "d/data"), ("folder", "d"),
+                           ("gone", "nowhere")):
+            (self.path / "tree" / name).symlink_to(path)
+        os.link(self.path / "tree/d/data", self.path / "tree/second")
+        before = self.tree("tree")
+        for source, target in (("tree/latest", "tree/d/data"), ("tree/latest", "tree/second"),
+                               ("tree/second", "tree/d/data"), ("tree/d/data", "tree/second")):
+            self.run_command("MoveFile", f"File exists Move '{source}' to '{target}'",
+                             From=source, To=target)
+            self.assertEqual(self.tree("tree"), before)
+        # One entry of a folder stays; a link gives way, as nothing is lost with it.
+        self.run_command("MoveFile", From="tree/d/data", To="tree/folder/../d/./data")
+        self.run_command("MoveFile", From="tree/d/data", To="tree/folder/data")
+        self.assertEqual(self.tree("tree"), before)
+        self.run_command("MoveFile", From="tree/newer", To="tree/latest")
+        self.run_command("MoveFile", From="tree/second", To="tree/latest")
+        self.assertEqual(self.tree("tree"), {"d": None, "d/data": "kept", "latest": "kept",
+                                             "folder": "-> d", "gone": "-> nowhere"})
+
+    def test_move_folder_moves_no_file(self):
+        self.write("tree/file", "new")
+        self.write("tree/old", "old")
+        self.write("tree/from/inner")
+        before = self.tree("tree")
+        reason = "Invalid directory name." if WINDOWS else "Not a directory"
+        for target in ("tree/old", "tree/none"):
+            self.run_edition_2("MoveFolder", f"{reason} Move 'tree/file' to '{target}'",
+                               From="tree/file", To=target)
+        if not WINDOWS:
+            (self.path / "link").symlink_to("tree/from")
+            self.run_edition_2("MoveFolder", "File exists Move 'link' to 'tree/old'", From="link",
+                               To="tree/old")
+            self.run_edition_2("MoveFolder", From="link", To="link 2")
+        self.assertEqual(self.tree("tree"), before)
+        self.run_edition_2("MoveFolder", From="tree/from", To="tree/to")
+        self.run_command("MoveFolder", From="tree/file", To="tree/old")
+        self.assertEqual(self.tree("tree"), {"old": "new", "to": None, "to/inner": "text"})
 
     def test_copies_keep_the_time_of_writing(self):
         os.utime(self.write("file"), (1_000_000_000, 1_000_000_000))
@@ -283,6 +334,37 @@ class FileCommands(Scene):
             self.write("file", "old")
             self.run_command("WriteFile", File="file", Text="new", Overwrite=overwrite, F=flag)
             self.assertEqual((self.path / "file").read_bytes().decode(), content)
+
+    def test_lines_of_edition_2_are_whole_and_their_own(self):
+        wide = "a\n".encode("utf-16")
+        lacks = "Character U+1F600 does not exist in the encoding CP1252."
+        for old, keys, message, new in (
+                # A text that the encoding lacks leaves the file alone, or makes none.
+                (b"old", {"Overwrite": 1, "Encoding": "CP1252", "Text": "ä😀"}, lacks, b"old"),
+                (None, {"Encoding": "CP1252", "Text": "ä😀"}, lacks, None),
+                (b"", {"Encoding": "CP1252", "Text": "ä😀", "Bom": 1}, lacks, b""),
+                # A line end in front, where the last line lacks its own.
+                (b"old", {"Text": "x"}, "", b"old\r\nx\r\n"),
+                (b"old\n", {"Text": "x"}, "", b"old\nx\r\n"),
+                (b"", {"Text": "x"}, "", b"x\r\n"),
+                (wide, {"Text": "x"}, "", wide + "x\r\n".encode("utf-16-le")),
+                (wide[:4], {"Text": "x"}, "", wide[:4] + "\r\nx\r\n".encode("utf-16-le")),
+                # "\u0a00" ends with the byte of a line feed.
+                ("\ufeff\u0a00".encode("utf-16-le"), {"Text": "x"}, "",
+                 "\ufeff\u0a00\r\nx\r\n".encode("utf-16-le")),
+                (b"old", {"Overwrite": 1, "Text": "x", "Bom": 1}, "", b"\xef\xbb\xbfx\r\n"),
+                (None, {"Text": "x", "Encoding": "UTF16"}, "",
+                 "\ufeffx\r\n".encode("utf-16-le"))):
+            with self.subTest(old=old, keys=keys):
+                name = self.path / "file"
+                name.unlink(missing_ok=True)
+                if old is not None:
+                    name.write_bytes(old)
+                self.run_edition_2("WriteFile", message, File="file", **keys)
+                self.assertEqual(name.read_bytes() if name.exists() else None, new)
+        if os.path.exists("/dev/full") and not WINDOWS:
+            self.run_edition_2("WriteFile", "Could not write to file '/dev/full': No space left on "
+                               "device", File="/dev/full", Text="x")
 
     def test_odd_names(self):
         self.write("blanks and ü 😀.txt", "x")

@@ -1,6 +1,7 @@
 #include "platform/file_commands.h"
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "platform/posix/file_copy.h"
+#include "platform/posix/file_likeness.h"
 #include "platform/posix/native_path.h"
 #include "platform/system_error.h"
 
@@ -102,6 +104,27 @@ std::optional<bool> Holds(ErrorRecord& error, const fs::path& outer, const Name&
            outer.end();
 }
 
+// True for two spellings of one entry of a folder.
+bool IsSameEntry(const fs::path& left, const fs::path& right) {
+    const auto folder = [](const fs::path& path) {
+        return path.has_parent_path() ? path.parent_path() : fs::path(".");
+    };
+    std::error_code code;
+    return left.filename() == right.filename() && fs::equivalent(folder(left), folder(right), code);
+}
+
+// True when `to` is the very file that `from` is or leads to, under another name. The system's call
+// would put a link in the place of the file that it leads to, and leaves two names of one file as
+// they are. One with a single name is another spelling, also of the letter case.
+bool IsOntoItself(const fs::path& from, const fs::path& to) {
+    struct stat own {};
+    struct stat behind {};
+    struct stat target {};
+    if (::lstat(to.c_str(), &target) != 0 || ::lstat(from.c_str(), &own) != 0) return false;
+    if (IsSameFile(own, target)) return target.st_nlink > 1 && !IsSameEntry(from, to);
+    return S_ISLNK(own.st_mode) && ::stat(from.c_str(), &behind) == 0 && IsSameFile(behind, target);
+}
+
 }  // namespace
 
 bool CheckName(ErrorRecord& error, const String& name) {
@@ -143,10 +166,25 @@ bool MovePath(ErrorRecord& error, const String& from, const String& to) {
     const bool folder = IsFolder(from);
     // Unlike the system's own call: an empty folder is not replaced either.
     if (folder && IsFolder(to) && *source != *target) return Fail(error, std::errc::file_exists);
+    if (!folder && IsOntoItself(*source, *target)) return Fail(error, std::errc::file_exists);
     std::error_code code;
     fs::rename(*source, *target, code);
     if (code == std::errc::cross_device_link && !folder) return MoveByCopy(error, *source, *target);
     return Succeeded(error, code);
+}
+
+bool MoveOneFolder(ErrorRecord& error, const String& from, const String& to) {
+    const auto source = NativePath(error, from);
+    const auto target = source ? NativePath(error, to) : std::nullopt;
+    if (!target) return false;
+    std::error_code code;
+    const fs::file_status status = fs::status(*source, code);
+    if (fs::exists(status) && !fs::is_directory(status)) {
+        return Fail(error, std::errc::not_a_directory);
+    }
+    // The system's call moves a link to a folder as it moves a file: over what is there.
+    const bool taken = fs::exists(fs::symlink_status(*target, code)) && *source != *target;
+    return taken ? Fail(error, std::errc::file_exists) : MovePath(error, from, to);
 }
 
 bool RemoveOneFile(ErrorRecord& error, const String& file) {

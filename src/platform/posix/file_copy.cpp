@@ -35,10 +35,6 @@ bool FailWith(int reason) {
     return false;
 }
 
-bool IsSameFile(const Status& left, const Status& right) {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
 // Looks up a file to copy; fails for what is none.
 bool FindRegular(const fs::path& name, Status& status) {
     if (::stat(name.c_str(), &status) != 0) return false;

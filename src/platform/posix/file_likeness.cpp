@@ -4,6 +4,10 @@
 
 namespace platform {
 
+bool IsSameFile(const struct stat& left, const struct stat& right) {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
 bool TakeOwner(int file, const struct stat& old) {
     struct stat own {};
     if (::fstat(file, &own) != 0) return false;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/utf8.h"
+#include "platform/file_system.h"
 #include "platform/system_error.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/native_path.h"
@@ -179,6 +180,18 @@ bool ReplaceByPart(ErrorRecord& error, const wchar_t* from, const wchar_t* to) {
     return false;
 }
 
+// True for a link to the file `to`, in the place of which the system's call would put it.
+bool IsLinkOnto(const String& from, const String& to) {
+    const auto is_link = [](const String& name) {
+        const DWORD attributes = ::GetFileAttributesW(AsWide(name));
+        return attributes != INVALID_FILE_ATTRIBUTES &&
+               (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    };
+    if (!is_link(from) || is_link(to)) return false;
+    const auto behind = IdentityOf(from);
+    return behind && IdentityOf(to) == behind;
+}
+
 }  // namespace
 
 bool CheckName(ErrorRecord& error, const String& name) {
@@ -222,9 +235,24 @@ bool CopyOneFile(ErrorRecord& error, const String& from, const String& to) {
 bool MovePath(ErrorRecord& error, const String& from, const String& to) {
     const wchar_t* const source = NativePath(error, from);
     const wchar_t* const target = NativePath(error, to);
+    if (source == nullptr || target == nullptr) return false;
+    if (IsLinkOnto(from, to)) {
+        error = SystemError(ERROR_FILE_EXISTS);
+        return false;
+    }
     constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED;
-    return source != nullptr && target != nullptr &&
-           Succeeded(error, ::MoveFileExW(source, target, kFlags));
+    return Succeeded(error, ::MoveFileExW(source, target, kFlags));
+}
+
+bool MoveOneFolder(ErrorRecord& error, const String& from, const String& to) {
+    const wchar_t* const source = NativePath(error, from);
+    if (source == nullptr) return false;
+    const DWORD attributes = ::GetFileAttributesW(source);
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        error = SystemError(ERROR_DIRECTORY);
+        return false;
+    }
+    return MovePath(error, from, to);
 }
 
 bool RemoveOneFile(ErrorRecord& error, const String& file) {
