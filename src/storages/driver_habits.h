@@ -31,6 +31,9 @@ struct DriverHabits {
     bool wide_integers = false;
     // A value longer than its cell makes the driver read behind memory of its own.
     bool overruns = false;
+    // How many bytes a binary value has is read when its cell is bound, not when the statement is
+    // executed.
+    bool lengths_when_bound = false;
 };
 
 // What holds for a database; one that is not known gets sets of parameters with the columns' types.

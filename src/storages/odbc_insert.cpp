@@ -292,10 +292,12 @@ bool ODBCInsert::Bind(const Prepared& prepared, std::size_t parameter, Cells& ce
 }
 
 // Binds the parameters to the cells of rows from `first_row` on.
-bool ODBCInsert::BindCells(const Prepared& prepared, std::size_t first_row, std::size_t rows) {
+bool ODBCInsert::BindCells(const Prepared& prepared, std::size_t first_row, std::size_t rows,
+                           Which which) {
     for (std::size_t row = 0; row < rows; ++row) {
         for (std::size_t i = 0; i < cells_.size(); ++i) {
             Cells& cells = cells_[i];
+            if (which == Which::Bytes && cells.form != Form::Bytes) continue;
             const std::size_t cell = first_row + row;
             if (!Bind(prepared, row * cells_.size() + i, cells,
                       cells.bytes.data() + cell * cells.width, &cells.lengths[cell])) {
@@ -333,11 +335,17 @@ bool ODBCInsert::Send(String& error) {
 bool ODBCInsert::SendStatement(String& error) {
     Prepared& prepared = count_ == rows_ ? whole_ : part_;
     if (!PrepareFor(error, prepared, count_)) return false;
+    return BindAnew(prepared) ? Execute(error, prepared) : Fail(error, prepared);
+}
+
+// Cells that have moved, and those whose lengths the driver would else not look at.
+bool ODBCInsert::BindAnew(Prepared& prepared) {
     if (prepared.layout != layout_) {
-        if (!BindCells(prepared, 0, count_)) return Fail(error, prepared);
+        if (!BindCells(prepared, 0, count_)) return false;
         prepared.layout = layout_;
+        return true;
     }
-    return Execute(error, prepared);
+    return !habits_.lengths_when_bound || BindCells(prepared, 0, count_, Which::Bytes);
 }
 
 // A statement for sets is bound once and never executed with a single one: MariaDB's driver would

@@ -67,7 +67,10 @@ private:
                  std::int64_t& length) const;
 
     bool PrepareFor(String& error, Prepared& prepared, std::size_t rows);
-    bool BindCells(const Prepared& prepared, std::size_t first_row, std::size_t rows);
+    enum class Which { All, Bytes };
+    bool BindCells(const Prepared& prepared, std::size_t first_row, std::size_t rows,
+                   Which which = Which::All);
+    bool BindAnew(Prepared& prepared);
     bool BindLongRow(const Prepared& prepared);
     bool Bind(const Prepared& prepared, std::size_t parameter, Cells& cells, char* value,
               std::int64_t* length) const;

@@ -146,6 +146,22 @@ class SqliteRows(Rows, EngineTest):
     refusals = ("UNIQUE constraint failed: t.id", "NOT NULL constraint failed: t.name",
                 "CHECK constraint failed: name <> 'bad'")  # it takes texts of any length
 
+    def test_bytes_and_texts_of_any_length(self):
+        """The driver takes the length of bytes when they are bound, not when they are sent."""
+        made = self.database(
+            "create table t (id integer, b blob, c varbinary(90), x text, n int, d decimal(9,2)); "
+            "insert into t (id, b) values (1, x'01'), (2, x'0203'), (3, x'040506'), (4, x'07'); "
+            "with recursive n(i) as (select 5 union all select i + 1 from n where i < 124) "
+            "insert into t select i, iif(i % 7, randomblob(i * 37 % 41), null), randomblob(i * 5 % 89), "
+            "iif(i % 5, hex(randomblob(i * 31 % 23)), null), iif(i % 3, i * i * i, null), "
+            "iif(i % 11, i * i * 0.25, null) from n;", "made")
+        for number, rows in enumerate((0, 1, 7)):
+            taker = self.database("create table t (id integer, b blob, c varbinary(90), x text, "
+                                  "n int, d decimal(9,2));", f"taker{number}")
+            self.move(source("DatabaseTable", made, "Table=t") + table(taker) +
+                      f"InsertRows={rows}\n", globals=EDITION_2)
+            self.assertEqual(taker.rows("t"), made.rows("t"))
+
 
 class PostgresRows(ServerRows, EngineTest):
     engine = Postgres
