@@ -34,6 +34,7 @@ bool ReadDescribedColumn(String& error, const RowSet& rows, TableColumn& column)
     if (told && told->TypeName == definition.TypeName) {
         definition.ConciseType = told->ConciseType;
         definition.OctetLength = told->OctetLength;
+        definition.Unsized = told->Unsized;
     } else {
         definition.OctetLength = kNumberMost;  // whoever wrote a size means it
         if (definition.Length > 0 && digits.empty()) definition.Digits = 0;

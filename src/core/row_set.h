@@ -40,6 +40,7 @@ struct ColumnDefinition {
     std::int32_t OctetLength = 0;
     std::int32_t Digits = -1;    // behind the decimal point or of a second; -1: not told
     bool Unsigned = false;       // of whole numbers
+    bool Unsized = false;        // Length and Digits are guesses of the driver
     std::uint64_t MaxWidth = 0;  // the widest text seen, in characters
 
     void RaiseMaxWidth(std::uint64_t width) {
@@ -62,6 +63,7 @@ struct DescribedColumn {
     String TypeName;
     std::int32_t ConciseType = 0;
     std::int32_t OctetLength = 0;
+    bool Unsized = false;
     String Default;                      // as the driver spells it
     std::optional<String> DefaultValue;  // of a number or a text, without quotes
 };

@@ -41,21 +41,33 @@ bool IsToldAsDouble(const ColumnDefinition& column) {
     return column.ConciseType == kSqlDouble || column.ConciseType == kSqlFloat;
 }
 
+// More digits behind the point than there are at all ("numeric(3,5)") are PostgreSQL's; its driver
+// tells a negative number of them, which cuts in front of the point, without the sign of its 11
+// bits.
+Size WholeSize(std::int64_t length, std::int32_t digits) {
+    constexpr std::int32_t kMostDigits = 1'000;
+    constexpr std::int32_t kNoSign = 2'048;
+    if (digits > kMostDigits && digits < kNoSign) return {length + kNoSign - digits, 0};
+    return {std::max<std::int64_t>(length, digits), digits};
+}
+
 std::optional<Size> DecimalSize(const ColumnDefinition& column) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
+    if (column.Unsized) return std::nullopt;
     const bool is_real = !IsToldAsDouble(column) && column.Length > 0 && column.Digits >= 0 &&
                          column.Length != kUnsizedText;
     const bool is_unsized = column.Length == kUnsizedDecimal &&
                             text::EqualsIgnoringCase(column.TypeName, kUnsizedDecimalName);
     if (!is_real || is_unsized) return std::nullopt;
-    return Size{column.Length, column.Digits};
+    return WholeSize(column.Length, column.Digits);
 }
 
 // A size of 255 is real where it takes more than 255 bytes.
 std::optional<Size> TextSize(const ColumnDefinition& column, ColumnType type) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
     const bool is_long = type == ColumnType::LongText || type == ColumnType::LongBinary;
-    const bool is_unsized = column.Length == kUnsizedText && column.OctetLength <= kUnsizedText;
+    const bool is_unsized = column.Unsized || (column.Length == kUnsizedText &&
+                                               column.OctetLength <= kUnsizedText);
     if (is_long || is_unsized || column.Length <= 0) return std::nullopt;
     // MariaDB tells bits among the bytes, and how many bits they are.
     const bool is_bits = text::EqualsIgnoringCase(column.TypeName, u"bit");

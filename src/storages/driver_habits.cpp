@@ -15,7 +15,7 @@ constexpr DriverHabits kKnown[] = {
     // one take half as long again as 50 a statement, sets likewise: the driver walks through them.
     // Its parameters go up to 999 in old versions. Binary values of a statement that is bound once
     // get the bytes of other rows: four of one to three bytes arrived as 01, 02, 04, 07. Texts and
-    // NULL do not.
+    // NULL do not. A timestamp with milliseconds is told as one of 0 digits.
     {.product = u"SQLite",
      .driver = u"sqlite3odbc",
      .since = u"3.8.5",
@@ -24,6 +24,7 @@ constexpr DriverHabits kKnown[] = {
      .insert_start = u"with kept(one) as (select 1) ",
      .charset_query = {},
      .wide_integers = true,
+     .hides_fractions = true,
      .lengths_when_bound = true},
     {.product = u"SQLite",
      .driver = u"",
@@ -33,10 +34,12 @@ constexpr DriverHabits kKnown[] = {
      .insert_start = {},
      .charset_query = {},
      .wide_integers = true,
+     .hides_fractions = true,
      .lengths_when_bound = true},
     // Rows one by one take fifteen times as long as 100 a statement, sets twice as long. With the
     // type of the column the driver reads dates and numbers itself: no infinity, and a float of
-    // 1.5e10 arrives as 1.5000001e10.
+    // 1.5e10 arrives as 1.5000001e10. It tells varchar and varchar(255) alike, bit(300) as 296
+    // characters, and a sum of numerics as numeric(30,1) while it has seen one digit.
     {.product = u"PostgreSQL",
      .driver = u"",
      .since = u"",
@@ -44,7 +47,8 @@ constexpr DriverHabits kKnown[] = {
      .most_parameters = 16'000,
      .insert_start = {},
      .charset_query = {},
-     .texts = true},
+     .texts = true,
+     .guesses_sizes = true},
     // Sets go to the server as one message: half the time of 50 rows a statement as UTF-8, which
     // is half the time of UTF-16. Blocks of rows take five times as long as UTF-16. With the type
     // of the column the driver reads times itself, and refuses those of more than a day.

@@ -29,6 +29,11 @@ struct DriverHabits {
     bool bits = false;
     // INTEGER has 64 bits, whatever the driver tells.
     bool wide_integers = false;
+    // Texts without a size are told as those of 255 characters, bits with a few less than they are,
+    // and computed numbers with the digits of the rows read so far.
+    bool guesses_sizes = false;
+    // All times are told as those without fractions of a second.
+    bool hides_fractions = false;
     // A value longer than its cell makes the driver read behind memory of its own.
     bool overruns = false;
     // How many bytes a binary value has is read when its cell is bound, not when the statement is

@@ -19,6 +19,22 @@ ColumnKind KindOf(const CatalogColumn& column) {
     return ::KindOf(definition);
 }
 
+// PostgreSQL's driver tells there what has been declared behind a type, beyond the columns of ODBC.
+constexpr std::uint16_t kTypeModifier = 25;
+
+bool HasTypeModifier(void* statement) {
+    std::array<char16_t, 16> name{};
+    SQLSMALLINT length = 0;
+    return odbc::Succeeded(SQLColAttributeW(statement, kTypeModifier, SQL_DESC_NAME, name.data(),
+                                            odbc::RoomInBytes(name), &length, nullptr)) &&
+           odbc::TextOf(name) == u"TYPMOD";
+}
+
+// A text without a size is told as one of 255 characters, bits with less than they are.
+bool IsGuessedSize(StringView type_name, StringView modifier) {
+    return type_name == u"varbit" || (type_name == u"varchar" && modifier == u"-1");
+}
+
 }  // namespace
 
 ODBCCatalogue::ODBCCatalogue(void* connection, void* statement, bool narrow_driver,
@@ -141,9 +157,14 @@ bool ODBCCatalogue::ListColumns(const String& schema, const String& table,
                                 std::vector<CatalogColumn>& columns) {
     if (!AskForColumns(SearchPattern(schema), SearchPattern(table))) return false;
     const sql::Dialect dialect = sql::DialectOf(odbc::InfoText(connection_, SQL_DBMS_NAME));
+    const bool has_modifier = dialect == sql::Dialect::PostgreSQL && HasTypeModifier(statement_);
     std::vector<String> row;
+    const auto next_row = [&] {
+        return has_modifier ? NextRow({3, 4, 5, 6, 7, 8, 9, 11, 13, kTypeModifier}, row)
+                            : NextRow({3, 4, 5, 6, 7, 8, 9, 11, 13}, row);
+    };
     Row read = Row::None;
-    while ((read = NextRow({3, 4, 5, 6, 7, 8, 9, 11, 13}, row)) == Row::Read) {
+    while ((read = next_row()) == Row::Read) {
         CatalogColumn& column = columns.emplace_back();
         column.Table = std::move(row[0]);
         column.Column = std::move(row[1]);
@@ -154,6 +175,7 @@ bool ODBCCatalogue::ListColumns(const String& schema, const String& table,
         column.Digits = std::move(row[6]);
         column.Nullable = std::move(row[7]);
         column.Default = std::move(row[8]);
+        column.Unsized = has_modifier && IsGuessedSize(column.TypeName, row[9]);
         column.DefaultValue = sql::DefaultValue(dialect, KindOf(column), column.Default);
     }
     return read == Row::None;

@@ -1,6 +1,7 @@
 #include "storages/odbc_database.h"
 
 #include "base/utf8.h"
+#include "core/column_type.h"
 #include "files/format.h"
 #include "platform/driver_library.h"
 #include "storages/odbc_calls.h"
@@ -25,6 +26,32 @@ SavepointWords SavepointWordsOf(StringView product) {
         return {u"save transaction quillon", u"", u"rollback transaction quillon"};
     }
     return {u"savepoint quillon", u"release savepoint quillon", u"rollback to savepoint quillon"};
+}
+
+// The driver knows the catalogue's size of a number that is the column of a table; of others it
+// tells two more digits than it has. Types that it has no name for are "unknown", bits among them.
+bool IsGuessedSize(const ColumnDefinition& column) {
+    constexpr std::int32_t kUnsizedText = 255;
+    constexpr std::int32_t kUnsizedDecimal = 28;
+    if (column.TypeName == u"numeric") {
+        return column.TableName.empty() && column.Length >= kUnsizedDecimal;
+    }
+    return column.TypeName == u"unknown" ||
+           (column.TypeName == u"varchar" && column.Length == kUnsizedText);
+}
+
+// What the driver tells otherwise than it is.
+void CorrectColumn(ColumnDefinition& column, const DriverHabits& habits) {
+    if (habits.wide_integers && column.ConciseType == SQL_INTEGER) column.ConciseType = SQL_BIGINT;
+    if (habits.guesses_sizes) {
+        column.Unsized = IsGuessedSize(column);
+        // What it has no name for is no single bit: that of five is told as one.
+        const bool is_bits = column.Unsized && column.ConciseType == SQL_BIT;
+        if (is_bits) column.ConciseType = SQL_VARCHAR;
+    }
+    if (!habits.hides_fractions) return;
+    const ColumnKind kind = KindOf(column);
+    if (kind == ColumnKind::Time || kind == ColumnKind::Timestamp) column.Digits = -1;
 }
 
 }  // namespace
@@ -197,7 +224,7 @@ bool ODBCDatabase::Describe(String& error, const String& statement, RowSet& rows
         return false;
     }
     DescribeColumns(statement_.Get(), rows.Columns);
-    WidenIntegers(rows.Columns);
+    CorrectColumns(rows.Columns);
     return CloseQuery();
 }
 
@@ -227,7 +254,7 @@ bool ODBCDatabase::DescribeResult(RowSet& rows) {
         StoreDiagnostic();
         return false;
     }
-    WidenIntegers(rows.Columns);
+    CorrectColumns(rows.Columns);
     const ReaderSession session{.habits = Habits(),
                                 .connection = connection_.Get(),
                                 .utf8 = method_.in_blocks && CharactersAreUtf8()};
@@ -235,11 +262,8 @@ bool ODBCDatabase::DescribeResult(RowSet& rows) {
     return true;
 }
 
-void ODBCDatabase::WidenIntegers(std::vector<ColumnDefinition>& columns) {
-    if (!Habits().wide_integers) return;
-    for (ColumnDefinition& column : columns) {
-        if (column.ConciseType == SQL_INTEGER) column.ConciseType = SQL_BIGINT;
-    }
+void ODBCDatabase::CorrectColumns(std::vector<ColumnDefinition>& columns) {
+    for (ColumnDefinition& column : columns) CorrectColumn(column, Habits());
 }
 
 bool ODBCDatabase::Fetch(String& error, RowSet& rows, bool track_widths) {

@@ -108,7 +108,7 @@ private:
     const DriverHabits& Habits();
     bool SetAutocommit(String& error, std::uint32_t value);
     bool EndTransaction(String& error, std::int16_t how);
-    void WidenIntegers(std::vector<ColumnDefinition>& columns);
+    void CorrectColumns(std::vector<ColumnDefinition>& columns);
     bool CharactersAreUtf8();
 
     bool connected_ = false;

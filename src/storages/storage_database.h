@@ -32,6 +32,7 @@ struct CatalogColumn {
     // Not in the rows that describe the column.
     String TypeCode;  // the concise ODBC type
     String OctetLength;
+    bool Unsized = false;                // Size is a guess of the driver
     std::optional<String> DefaultValue;  // of a number or a text, without quotes
 };
 

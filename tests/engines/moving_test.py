@@ -8,7 +8,8 @@ import re
 import rows_test
 from engines_test import ODD_NAMES, named_table
 from scripts_test import plain
-from support import EDITION_2, EngineTest, MariaDb, Postgres, Sqlite, quoted, run_tests, source, table
+from support import (EDITION_2, EngineTest, MariaDb, Postgres, Sqlite, quoted, run_tests, section,
+                     source, table)
 
 ROUND = [engine for engine in (Sqlite, Postgres, MariaDb) if not engine.missing]
 # A name of a column may have no full stop in SQLite, one of a table no emoji in MariaDB.
@@ -85,6 +86,15 @@ class SqliteMoving(Moving, EngineTest):
     lost = ("integer",)  # 64 bits
     extra = MANY
 
+    def test_fractions_of_a_second(self):
+        made = self.database("create table t (a timestamp, b time, c datetime); insert into t values "
+                             "('2024-02-29 23:59:59.987', '23:59:59.987', '2024-02-29 00:00:00.5')")
+        for engine in ROUND:
+            taker = self.database("", engine.__name__.lower(), engine)
+            self.move(copy(made, taker), globals=EDITION_2)
+            self.assertEqual([[plain(value) for value in row] for row in taker.rows("t")],
+                             [["2024-02-29 23:59:59.987", "23:59:59.987", "2024-02-29 00:00:00.5"]])
+
 
 class PostgresMoving(Moving, EngineTest):
     engine = Postgres
@@ -111,6 +121,33 @@ class PostgresMoving(Moving, EngineTest):
         taker = self.database("", "taker")
         self.move(copy(made, taker), globals=EDITION_2)
         self.assertEqual(taker.rows("t"), made.rows("t"))
+
+
+    def test_sizes_that_the_driver_does_not_know(self):
+        made = self.database(
+            "create table s (n int, a numeric); insert into s select n, n + 0.5 from "
+            "generate_series(1, 300) n; insert into s values (301, 1.23456789);"
+            "create table t (v varchar, w varchar(255), g numeric(10,-2), h numeric(3,5), "
+            "b bit(300), c bit(5), d varbit);"
+            "insert into t values (repeat('x', 300), 'w', 123456789012, 0.00123, "
+            "repeat('10', 150)::bit(300), '10101', '1')", "made")
+        made.connect += ";UseDeclareFetch=1;Fetch=100"
+        for engine in ROUND:
+            with self.subTest(engine.__name__):
+                taker = self.database("", engine.__name__.lower(), engine)
+                self.move(source("DatabaseQuery", made, "Query=select n, a + 0 as a from s") +
+                          table(taker, "s") + "CreateTable=1\n", copy(made, taker, "Tables=t"),
+                          globals=EDITION_2)
+                for name in "st":
+                    self.assertEqual(*(sorted([plain(value) for value in row] for row in one.rows(name))
+                                       for one in (made, taker)))
+        self.move(source("DatabaseSchema", made, "ObjectType=Table", "Name=t", "WithColumns=1") +
+                  section("Target", "DDLScript", "Name=t.txt", "SqlDialect=PostgreSQL", "Table=t"),
+                  globals=EDITION_2)
+        self.assertEqual(self.files()["t"].split("(", 1)[1],
+                         '\r\n "v" text,\r\n "w" varchar(255),\r\n "g" numeric(12,0),\r\n '
+                         '"h" numeric(5,5),\r\n "b" varchar(300),\r\n "c" varchar(5),\r\n '
+                         '"d" text);\r\n')
 
 
 class MariaDbMoving(Moving, EngineTest):
