@@ -144,7 +144,47 @@ bool DatabaseData::Connect(String& error, const SectionSettings& settings) {
     database_ = DataStorages::OpenDatabase(error, connection_);
     if (!database_) return false;
     ChooseDialect(settings.Word(kSqlDialect, sql::Dialect::Plain));
-    return true;
+    return MakeStrict(error);
+}
+
+bool DatabaseData::IsExactMySql() const {
+    return settings_->Follows(Rule::LoadsAreExact) &&
+           sql::DialectOf(database_->Product()) == sql::Dialect::MySQL;
+}
+
+// Without these modes texts and numbers may be cut, in tables without transactions even under
+// STRICT_TRANS_TABLES, and a 0 becomes the next number of a key. The backslashes of the dialect's
+// literals are doubled, so they must be escapes.
+bool DatabaseData::MakeStrict(String& error) {
+    if (!IsExactMySql()) return true;
+    const String mode =
+        dialect_ == nullptr ? u"@@sql_mode" : u"replace(@@sql_mode,'NO_BACKSLASH_ESCAPES','')";
+    return database_->ExecNonQuery(
+        error, Format(u"set sql_mode=concat(%s,',STRICT_ALL_TABLES,NO_AUTO_VALUE_ON_ZERO')", mode));
+}
+
+// Not all tables of a database with transactions have them. What such a table has taken of a
+// statement that is refused stays, and would come a second time. An unknown answer, for a view as
+// an example, is no refusal.
+bool DatabaseData::TakesRowsBack(String& error) {
+    if (rules_.commit_rows == 1 || name_.empty() || !IsExactMySql()) return true;
+    String query =
+        u"select e.transactions from information_schema.tables t join information_schema.engines e "
+        u"on e.engine=t.engine where t.table_name=";
+    connected_->AppendText(query, name_.back());
+    query += u" and t.table_schema=";
+    if (name_.size() == 1) {
+        query += u"database()";
+    } else {
+        connected_->AppendText(query, name_[name_.size() - 2]);
+    }
+    String ignored;
+    RowSet told;
+    const bool refuses = database_->Query(ignored, query, told) &&
+                         database_->Fetch(ignored, told, false) && told.Row.front().Text == u"NO";
+    database_->CloseQuery();
+    if (refuses) error = Format(u"Table %s has no transactions: set CommitRows=1.", table_);
+    return !refuses;
 }
 
 void DatabaseData::ChooseDialect(sql::Dialect dialect) {
@@ -218,6 +258,7 @@ bool DatabaseData::CheckColumns(String& error, const SectionSettings& settings,
         error = u"Could not retrieve table defintition";
         return false;
     }
+    if (!TakesRowsBack(error)) return false;
     Columns ignored;
     return by_name_ ? MatchColumns(error, table_, rows.Columns, table_rows_.Columns, ignored)
                     : ColumnsFit(error, rows.Columns);
@@ -268,6 +309,7 @@ String DatabaseData::InsertHead(const Columns& columns) const {
 bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
     if (!NoteOrigin(error, rows)) return false;
     if (is_missing_ && !MakeTable(error, rows)) return false;
+    if (!TakesRowsBack(error)) return false;
     DataStorages::InsertTarget target;
     target.columns = table_rows_.Columns;
     if (by_name_ &&

@@ -26,6 +26,7 @@ public:
     // "The target table name is not provided"
     // "Could not retrieve table defintition" where the table cannot be read; published spelling
     // "OnBadRow=Reject needs a RejectFile."
+    // "Table %s has no transactions: set CommitRows=1."
     // and the messages of the database and of TableLoad.
     bool Open(String& error, const SectionSettings& settings) override;
     // Where columns are matched by name: the messages of MatchColumns, and
@@ -58,6 +59,9 @@ private:
     bool ReadLoadRules(String& error, const SectionSettings& settings);
     bool Connect(String& error, const SectionSettings& settings);
     void ChooseDialect(sql::Dialect dialect);
+    bool IsExactMySql() const;
+    bool MakeStrict(String& error);
+    bool TakesRowsBack(String& error);
     void NameTable();
     bool FindTable(String& error);
     bool MakeTable(String& error, const RowSet& rows);

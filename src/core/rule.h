@@ -30,5 +30,6 @@ enum class Rule {
     ColumnsMustBeTold,     // a result fails of which the driver does not tell the columns
     FoldersMoveAlone,      // MoveFolder moves no file
     WholeLines,            // WriteFile adds a whole line of its own or tells why there is none
+    LoadsAreExact,         // what a database would change, fold or double in silence is prevented
     MemoryFailsStep,       // a step that memory runs out in fails and says so, and is no crash
 };

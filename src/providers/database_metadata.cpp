@@ -51,9 +51,12 @@ std::vector<String> ValuesOf(const CatalogColumn& column) {
 }
 
 DescribedColumn DescriptionOf(const CatalogColumn& column) {
-    return {column.TypeName, static_cast<std::int32_t>(text::ToInteger(column.TypeCode)),
-            static_cast<std::int32_t>(text::ToInteger(column.OctetLength)), column.Unsized,
-            column.Default, column.DefaultValue};
+    return {column.TypeName,
+            static_cast<std::int32_t>(text::ToInteger(column.TypeCode)),
+            static_cast<std::int32_t>(text::ToInteger(column.OctetLength)),
+            column.Unsized,
+            column.Default,
+            column.DefaultValue};
 }
 
 // A row set of one row that describes one column.

@@ -66,8 +66,8 @@ std::optional<Size> DecimalSize(const ColumnDefinition& column) {
 std::optional<Size> TextSize(const ColumnDefinition& column, ColumnType type) {
     if (const std::optional<Size> size = SizeInName(column.TypeName)) return size;
     const bool is_long = type == ColumnType::LongText || type == ColumnType::LongBinary;
-    const bool is_unsized = column.Unsized || (column.Length == kUnsizedText &&
-                                               column.OctetLength <= kUnsizedText);
+    const bool is_unsized =
+        column.Unsized || (column.Length == kUnsizedText && column.OctetLength <= kUnsizedText);
     if (is_long || is_unsized || column.Length <= 0) return std::nullopt;
     // MariaDB tells bits among the bytes, and how many bits they are.
     const bool is_bits = text::EqualsIgnoringCase(column.TypeName, u"bit");

@@ -79,12 +79,13 @@ void AppendAnsiText(String& statement, StringView text) {
     statement += u'\'';
 }
 
+// A backslash outside such a text is an escape where standard_conforming_strings is off.
 void AppendPostgresText(String& statement, StringView text) {
-    if (!HoldsOneOf(text, kLineEndsAndZero)) {
+    constexpr StringView kEscaped{u"\\\r\n\0", 4};
+    if (!HoldsOneOf(text, kEscaped)) {
         AppendQuoted(statement, text);
         return;
     }
-    constexpr StringView kEscaped{u"\\\r\n\0", 4};
     statement += u'E';
     AppendEscaped(statement, text, kEscaped, u"\\rn0");
 }
@@ -241,7 +242,7 @@ constexpr DialectTraits kSqlite = {
 constexpr DialectTraits kPostgres = {u'"',
                                      u'"',
                                      AppendPostgresText,
-                                     u"'\\x",
+                                     u"E'\\\\x",
                                      u"'::bytea",
                                      {u"false", u"true"},
                                      AppendTimeAsText,

@@ -230,6 +230,34 @@ class MariaDbRows(ServerRows, EngineTest):
                 "CONSTRAINT `t.name` failed", "Data too long for column 'name'")
     denied = "INSERT command denied to user"
 
+    def test_values_that_a_lax_server_would_change(self):
+        self.write("rows.csv", "id,n,s\n0,1,abc\n1,300,abc\n2,1,abcdef\n3,2,\\\n")
+        for mode in ("", "NO_BACKSLASH_ESCAPES"):
+            for way in ("Bound", "Literal"):
+                with self.subTest(mode=mode, way=way):
+                    taker = self.database("create table t (id int primary key auto_increment, "
+                                          "n tinyint, s varchar(3));", f"{mode}{way}".lower())
+                    taker.connect = re.sub("(?i)InitStmt={[^}]*}", f"InitStmt={{set sql_mode='{mode}'}}",
+                                           taker.connect)
+                    self.move(section("Source", "TextFile", "Name=rows.csv") + table(taker) +
+                              f"OnBadRow=Skip\nInsertMode={way}\n", globals=EDITION_2)
+                    self.assertEqual(taker.rows("t"), [("0", "1", "abc"), ("3", "2", "\\")])
+
+    def test_tables_without_transactions(self):
+        """Rows of a refused statement would stay and come again."""
+        self.write("rows.csv", "id,s\n1,abc\n2,abcdef\n3,abc\n")
+        for engine in ("MyISAM", "Aria"):
+            for one_by_one in (False, True):
+                with self.subTest(engine, one_by_one=one_by_one):
+                    taker = self.database(f"create table t (id int, s varchar(3)) engine={engine};",
+                                          f"{engine}{one_by_one}".lower())
+                    step = section("Source", "TextFile", "Name=rows.csv") + table(taker)
+                    self.assert_job(*(0, "") if one_by_one else
+                                    (2, ".*Table `t` has no transactions: set CommitRows=1."),
+                                    step + f"OnBadRow=Skip\nCommitRows={one_by_one:d}\n",
+                                    globals=EDITION_2)
+                    self.assertEqual(taker.rows("t"), [("1", "abc"), ("3", "abc")] * one_by_one)
+
 
 if __name__ == "__main__":
     run_tests(__doc__)
