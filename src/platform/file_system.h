@@ -32,9 +32,6 @@ struct FileIdentity {
 // link. Nothing when nothing is found or the system does not say.
 std::optional<FileIdentity> IdentityOf(const String& name);
 
-// Reads the last bytes of a regular file. False when it cannot be read or holds fewer.
-bool ReadFileEnd(const String& name, std::span<std::byte> bytes);
-
 // A file, or standard input, open for reading bytes. Destruction closes it.
 class InputFile {
 public:

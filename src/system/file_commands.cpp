@@ -1,13 +1,10 @@
 #include "system/file_commands.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "config/encoding_setting.h"
-#include "files/byte_order_mark.h"
 #include "files/dfile.h"
 #include "files/format.h"
 #include "files/text_encoder.h"
@@ -200,37 +197,16 @@ bool CanEncode(ErrorRecord& error, const TextForm& form, StringView text) {
     return encoder && encoder->Encode(error, text, ignored);
 }
 
-// True when a file's last character is a line feed. What cannot be read counts as a whole line.
-bool EndsWithLine(const String& name, const FileEncoding& encoding) {
-    ErrorRecord ignored;
-    const auto encoder = MakeTextEncoder(ignored, encoding, Unmappable::Replace);
-    std::span<const std::byte> line_feed;
-    if (!encoder || !encoder->Encode(ignored, u"\n", line_feed)) return true;
-    std::vector<std::byte> end(line_feed.size());
-    return !platform::ReadFileEnd(name, end) || std::ranges::equal(end, line_feed);
-}
-
-// What is to be written in front of a line: the mark of a new file, or the line end that the file
-// lacks.
-String LineStart(const TextWriter& writer, const String& name, const TextForm& form) {
-    const FileEncoding& encoding = writer.CurrentEncoding();
-    if (!writer.BeganEmpty()) return String(EndsWithLine(name, encoding) ? StringView() : kLineEnd);
-    const bool marked = form.marked && !ByteOrderMarkOf(encoding.form).empty();
-    return marked ? String(1, u'\uFEFF') : String();
-}
-
-// Writes a line of its own in one piece, so that a failure leaves none of it. A text that cannot be
-// encoded touches no file.
+// Writes a line of its own, whole or not at all. A text that cannot be encoded empties no file.
 bool WriteLine(ErrorRecord& error, const String& name, const String& text, const TextForm& form,
                bool append) {
-    const String line = text + String(kLineEnd);
     const bool goes_on = append && platform::PathExists(name);
-    if (!goes_on && !CanEncode(error, form, line)) return false;
-    TextForm unmarked = form;
-    unmarked.marked = false;
+    if (!goes_on && !CanEncode(error, form, text)) return false;
+    TextForm with_ends = form;
+    with_ends.line_end = kLineEnd;
     TextWriter file;
-    return file.Open(error, name, unmarked, append) &&
-           file.Write(error, LineStart(file, name, form) + line) && file.Finish(error);
+    return file.Open(error, name, with_ends, append) &&
+           file.Write(error, text + String(kLineEnd)) && file.Finish(error);
 }
 
 // The same for jobs that want no more than that something was written; notices tell what was not.

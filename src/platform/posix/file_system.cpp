@@ -174,16 +174,6 @@ std::optional<FileIdentity> IdentityOf(const String& name) {
     return FileIdentity{status->st_dev, status->st_ino};
 }
 
-bool ReadFileEnd(const String& name, std::span<std::byte> bytes) {
-    ErrorRecord ignored;
-    const auto native = NativePath(ignored, name);
-    if (!native) return false;
-    const Descriptor file(OpenDescriptor(*native, O_RDONLY));
-    const auto size = static_cast<ssize_t>(bytes.size());
-    return file.Get() >= 0 && ::lseek(file.Get(), -size, SEEK_END) >= 0 &&
-           Uninterrupted([&] { return ::read(file.Get(), bytes.data(), bytes.size()); }) == size;
-}
-
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
     const auto native = NativePath(error, name);
     if (!native) return nullptr;

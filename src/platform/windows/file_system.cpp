@@ -189,16 +189,6 @@ std::optional<FileIdentity> IdentityOf(const String& name) {
     return FileIdentity{found.dwVolumeSerialNumber, (high << 32) | found.nFileIndexLow};
 }
 
-bool ReadFileEnd(const String& name, std::span<std::byte> bytes) {
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const Handle file =
-        OpenHandle(name, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
-    const auto size = static_cast<DWORD>(bytes.size());
-    DWORD count = 0;
-    return file.Valid() && Move(file.Get(), -std::int64_t{size}, FILE_END) >= 0 &&
-           ::ReadFile(file.Get(), bytes.data(), size, &count, nullptr) != FALSE && count == size;
-}
-
 std::unique_ptr<InputFile> InputFile::Open(ErrorRecord& error, const String& name) {
     // What is read may be replaced meanwhile, by this run too.
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
