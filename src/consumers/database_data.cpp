@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <new>
 
+#include "base/utf8.h"
 #include "consumers/column_match.h"
 #include "consumers/literal_rows.h"
 #include "consumers/sql_statement.h"
 #include "files/format.h"
+#include "files/text.h"
 #include "storages/open_database.h"
 
 namespace DataConsumers {
@@ -94,6 +96,12 @@ constexpr Key kTablePerResultSet = kKeys[u"TablePerResultSet"];
 constexpr Key kOnBadRow = kKeys[u"OnBadRow"];
 constexpr Key kRejectFile = kKeys[u"RejectFile"];
 constexpr Key kMaxRejects = kKeys[u"MaxRejects"];
+
+// These find a table by its name in another letter case; MariaDB does so on some systems.
+bool FoldsNames(StringView product) {
+    const sql::Dialect dialect = sql::DialectOf(product);
+    return dialect == sql::Dialect::SQLite || dialect == sql::Dialect::MySQL;
+}
 
 }  // namespace
 
@@ -277,13 +285,37 @@ bool DatabaseData::ColumnsFit(String& error, const Columns& columns) const {
 
 // ---- Rows ----
 
+// PostgreSQL cuts longer names without an error, so the rows might go to another table.
+bool DatabaseData::NamesFit(String& error, const RowSet& rows) {
+    using Named = DataStorages::StorageDatabase::Named;
+    if (!settings_->Follows(Rule::LoadsAreExact) ||
+        sql::DialectOf(database_->Product()) != sql::Dialect::PostgreSQL) {
+        return true;
+    }
+    const auto fits = [&](const String& name, std::size_t longest) {
+        if (longest == 0 || ToUtf8(name).size() <= longest) return true;
+        error = Format(u"The name '%s' has more than the %d bytes that the database keeps.", name,
+                       longest);
+        return false;
+    };
+    const std::size_t longest = database_->LongestName(Named::Table);
+    const auto is_kept = [&](const String& piece) { return fits(piece, longest); };
+    if (!std::all_of(name_.begin(), name_.end(), is_kept)) return false;
+    if (!is_missing_) return true;
+    const std::size_t longest_column = database_->LongestName(Named::Column);
+    return std::all_of(rows.Columns.begin(), rows.Columns.end(), [&](const auto& column) {
+        return !column.Included || fits(column.Name, longest_column);
+    });
+}
+
 // Two tables of a source that would end in one are hardly wanted.
 bool DatabaseData::NoteOrigin(String& error, const RowSet& rows) {
     if (rows.TableName.empty() || !table_per_result_set_) return true;
     const String origin = rows.SchemaName.empty()
                               ? rows.TableName
                               : Format(u"%s.%s", rows.SchemaName, rows.TableName);
-    const auto [place, is_new] = origins_.emplace(table_, origin);
+    const bool folds = settings_->Follows(Rule::LoadsAreExact) && FoldsNames(database_->Product());
+    const auto [place, is_new] = origins_.emplace(folds ? text::Lowered(table_) : table_, origin);
     const bool follows = settings_->Unresolved(kTable).find(u"$TABLE$") != String::npos;
     if (is_new || place->second == origin || !follows) return true;
     error = Format(u"Table %s would take the rows of %s and of %s: name it by $SCHEMA$, too.",
@@ -307,7 +339,7 @@ String DatabaseData::InsertHead(const Columns& columns) const {
 }
 
 bool DatabaseData::BeginRows(String& error, const RowSet& rows) {
-    if (!NoteOrigin(error, rows)) return false;
+    if (!NamesFit(error, rows) || !NoteOrigin(error, rows)) return false;
     if (is_missing_ && !MakeTable(error, rows)) return false;
     if (!TakesRowsBack(error)) return false;
     DataStorages::InsertTarget target;

@@ -30,7 +30,8 @@ public:
     // and the messages of the database and of TableLoad.
     bool Open(String& error, const SectionSettings& settings) override;
     // Where columns are matched by name: the messages of MatchColumns, and
-    // "Table %s would take the rows of %s and of %s: name it by $SCHEMA$, too."
+    // "Table %s would take the rows of %s and of %s: name it by $SCHEMA$, too." and
+    // "The name '%s' has more than the %d bytes that the database keeps."
     bool Prepare(String& error, RowSet& rows) override;
     // "Traget table has different structure [%d -> %d columns]." with the columns of the source
     // and of the table, published spelling; "Cound not build SQL statement"; or the database's
@@ -67,6 +68,7 @@ private:
     bool MakeTable(String& error, const RowSet& rows);
     bool DescribeTable(String& error);
     bool BeginRows(String& error, const RowSet& rows);
+    bool NamesFit(String& error, const RowSet& rows);
     bool NoteOrigin(String& error, const RowSet& rows);
     bool ColumnsFit(String& error, const Columns& columns) const;
     String InsertHead(const Columns& columns) const;
@@ -93,7 +95,7 @@ private:
     String table_;                      // as statements name it
     bool is_missing_ = false;           // it is to be made
     std::optional<TableMaker> maker_;   // tables of this target
-    std::map<String, String> origins_;  // by table_: the table of the source
+    std::map<String, String> origins_;  // by the table as the database tells it from others
     RowSet table_rows_;                 // describes the table
     bool begun_ = false;                // the rows of a result set
 };

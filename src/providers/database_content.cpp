@@ -2,6 +2,7 @@
 
 #include "base/notices.h"
 #include "files/format.h"
+#include "files/text.h"
 #include "storages/identifier.h"
 
 namespace DataProviders {
@@ -63,6 +64,11 @@ bool ParseNames(String& error, StringView names, std::vector<TableEntry>& tables
     }
 }
 
+// Its names for what it makes itself: no other table may have one, so no target takes them.
+bool IsOwnOfSqlite(const TableEntry& table) {
+    return text::Lowered(table.Name).starts_with(u"sqlite_");
+}
+
 void WarnOfLoss(const String& reason) {
     TellNotice(Format(u"Warning: reading from the database failed: %s\n", reason));
 }
@@ -101,6 +107,9 @@ bool DatabaseContent::Describe(String& error, const SectionSettings& settings, R
 bool DatabaseContent::ListTables(String& error, const String& names) {
     if (names != u"*") return ParseNames(error, names, tables_);
     if (!database_->Tables(error, tables_, DataStorages::TableKind::Tables)) return false;
+    if (settings_->Follows(Rule::LoadsAreExact) && database_->Product() == u"SQLite") {
+        std::erase_if(tables_, IsOwnOfSqlite);
+    }
     if (!tables_.empty() || missing_tables_ == MissingTables::End) return true;
     error = u"The database has no tables.";
     return false;

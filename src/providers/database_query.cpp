@@ -5,6 +5,7 @@
 #include "files/text.h"
 #include "files/text_loader.h"
 #include "platform/file_system.h"
+#include "storages/sql_dialect.h"
 
 namespace DataProviders {
 namespace {
@@ -97,7 +98,18 @@ bool DatabaseQuery::ConnectForQuery(String& error, const SectionSettings& settin
 bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet& rows) {
     row_follows_columns_ = settings.Follows(Rule::RowFollowsColumns);
     String query;
-    return ConnectForQuery(error, settings, query) && RunQuery(error, query, rows);
+    if (!ConnectForQuery(error, settings, query) || !RunQuery(error, query, rows)) return false;
+    if (settings.Follows(Rule::LoadsAreExact)) ForgetNotNull(settings, rows);
+    return true;
+}
+
+// Drivers tell of the column of a table behind the result, which a join may leave without a row.
+void DatabaseQuery::ForgetNotNull(const SectionSettings& settings, RowSet& rows) {
+    const bool is_query = !settings.Text(kQuery).empty() || !settings.Text(kQueryFile).empty();
+    const sql::Dialect dialect = sql::DialectOf(database_->Product());
+    const bool by_table = dialect == sql::Dialect::SQLite || dialect == sql::Dialect::PostgreSQL;
+    if (!is_query || !by_table) return;
+    for (ColumnDefinition& column : rows.Columns) column.Nullable = true;
 }
 
 bool DatabaseQuery::Describe(String& error, const SectionSettings& settings, RowSet& rows) {

@@ -25,6 +25,7 @@ public:
 private:
     // Connects, and returns the query with its macros replaced.
     bool ConnectForQuery(String& error, const SectionSettings& settings, String& query);
+    void ForgetNotNull(const SectionSettings& settings, RowSet& rows);
 
     // The row gets the length of each result set. Else it keeps the greatest so far, and targets
     // refuse the rows of a narrower one.

@@ -139,6 +139,14 @@ String ODBCDatabase::IdentifierQuote() const {
     return quote == u" " ? String{} : quote;
 }
 
+std::size_t ODBCDatabase::LongestName(Named named) const {
+    SQLUSMALLINT longest = 0;
+    SQLGetInfoW(connection_.Get(),
+                named == Named::Table ? SQL_MAX_TABLE_NAME_LEN : SQL_MAX_COLUMN_NAME_LEN, &longest,
+                sizeof longest, nullptr);
+    return longest;
+}
+
 bool ODBCDatabase::CloseQuery() {
     reader_.reset();
     statement_.Reset();

@@ -79,6 +79,7 @@ public:
     const String& LastError() const override { return last_error_; }
     bool ReadingFailed() const override { return reading_failed_; }
     String IdentifierQuote() const override;
+    std::size_t LongestName(Named named) const override;
 
     String Product() const override;
     TransactionKind Transactions() const override;

@@ -98,6 +98,10 @@ public:
     // What the connected database has around the names of tables and columns (SQL, delimited
     // identifiers); empty where it takes no quotes.
     virtual String IdentifierQuote() const = 0;
+
+    enum class Named { Table, Column };
+    // The longest name that the database takes; 0: not known.
+    virtual std::size_t LongestName(Named named) const = 0;
 };
 
 }  // namespace DataStorages

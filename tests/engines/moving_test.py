@@ -96,6 +96,17 @@ class SqliteMoving(Moving, EngineTest):
                              [["2024-02-29 23:59:59.987", "23:59:59.987", "2024-02-29 00:00:00.5"]])
 
 
+    def test_own_tables_and_not_null_of_a_join(self):
+        made = self.database("create table t (id integer primary key autoincrement, n int not null); "
+                             "insert into t (n) values (5), (6);")
+        taker = self.database("", "taker")
+        self.move(copy(made, taker), source("DatabaseQuery", made, "Query=select a.id, b.n from t a "
+                                            "left join t b on b.id = a.id and b.n = 5") +
+                  table(taker, "j") + "CreateTable=1\n", globals=EDITION_2)
+        self.assertEqual([taker.rows("t"), taker.rows("j")], [[(1, 5), (2, 6)], [(1, 5), (2, None)]])
+        self.assertEqual(self.names(taker), ["j", "t"])
+
+
 class PostgresMoving(Moving, EngineTest):
     engine = Postgres
     rows = rows_test.PostgresRows
@@ -122,6 +133,23 @@ class PostgresMoving(Moving, EngineTest):
         self.move(copy(made, taker), globals=EDITION_2)
         self.assertEqual(taker.rows("t"), made.rows("t"))
 
+
+    def test_names_that_would_become_one(self):
+        for engine in (engine for engine in ROUND if engine is not Postgres):
+            with self.subTest(engine.__name__):
+                made = self.database('create table item (a int); create table "Item" (a int);',
+                                     f"of_{engine.__name__.lower()}")
+                taker = self.database("", engine.__name__.lower(), engine)
+                self.assert_job(2, "Step 1 .* would take the rows of public.[iI]tem and of "
+                                r"public.[iI]tem: name it by \$SCHEMA\$, too.", copy(made, taker),
+                                globals=EDITION_2)
+        long = "ż" * 31 + "ab"
+        taker = self.database(name="taker")
+        self.write("rows.csv", f"{long}\n1\n")
+        for name in ("t", long):
+            self.assert_job(2, f".*The name '{long}' has more than the 63 bytes that the database "
+                            "keeps.", section("Source", "TextFile", "Name=rows.csv") +
+                            table(taker, name) + "CreateTable=1\n", globals=EDITION_2)
 
     def test_sizes_that_the_driver_does_not_know(self):
         made = self.database(
