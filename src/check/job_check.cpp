@@ -94,6 +94,7 @@ public:
     std::vector<Finding> Run() {
         CheckRepetitions();
         CheckGlobals();
+        made_.Add(configuration_.Text(Section::CommandLine, kLogSwitch));
         for (std::size_t i = 0; i < configuration_.StepCount(); ++i) CheckStep(i);
         std::stable_sort(findings_.begin(), findings_.end(), IsLess);
         return std::move(findings_);
@@ -200,7 +201,9 @@ private:
         configuration_.AdditonalCmdLine(told_by_the_step, index);
         ConfigurationStep& step = configuration_.Step(index);
         step_ = &step;
-        CheckSection(Section::Settings, FindOwner(Section::Settings, {}));
+        const KeyOwner* const settings = FindOwner(Section::Settings, {});
+        CheckSection(Section::Settings, settings);
+        NoteMade(Section::Settings, settings);
         if (!step.List(Section::System).Empty()) {
             CheckSystemStep();
             return;
@@ -212,6 +215,7 @@ private:
             CheckTyped(Section::Transform, i, u"Transformer type '%s' is not supported yet");
         }
         configuration_.SetCurrentTransform(0);
+        NoteMade(Section::Source, source_);
         NoteMade(Section::Target, target_);
     }
 

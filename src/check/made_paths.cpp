@@ -9,20 +9,27 @@ namespace {
 
 constexpr StringView kSeparators = u"/\\";
 
+// Both as RootedName gives them, a root with its separator or without.
 bool IsWithin(StringView path, StringView folder) {
-    return path.starts_with(folder) && (path.size() == folder.size() || folder.empty() ||
+    const bool root = folder.find_last_not_of(kSeparators) == StringView::npos;
+    return path.starts_with(folder) && (path.size() == folder.size() || root ||
                                         kSeparators.find(path[folder.size()]) != StringView::npos);
 }
 
 }  // namespace
 
+void MadePaths::Add(const String& path) {
+    if (!path.empty()) made_.push_back(platform::RootedName(path));
+}
+
 // What a step makes within a folder makes the folder known to be there, and what is copied or moved
 // to a folder may bring all that lies below it.
 bool MadePaths::IsThere(const String& path) const {
-    return platform::PathExists(path) ||
-           std::any_of(made_.begin(), made_.end(), [&](const String& made) {
-               return IsWithin(path, made) || IsWithin(made, path);
-           });
+    if (platform::PathExists(path)) return true;
+    const String name = platform::RootedName(path);
+    return std::any_of(made_.begin(), made_.end(), [&](const String& made) {
+        return IsWithin(name, made) || IsWithin(made, name);
+    });
 }
 
 String MadePaths::Fault(const KeySpec& key, const String& path) const {

@@ -8,8 +8,8 @@
 // The files and folders that the steps of a job make, so that a check does not miss them.
 class MadePaths {
 public:
-    // Notes a path that a step makes.
-    void Add(const String& path) { made_.push_back(path); }
+    // Notes a path that a step makes, however it is written; an empty one is none.
+    void Add(const String& path);
 
     // What is wrong with a path that a key names; empty when nothing is.
     // "There is no file '%s', which '%s' names."

@@ -21,6 +21,11 @@ namespace platform {
 // right to read it.
 bool PathExists(const String& name);
 
+// The name from the root on, without "." and "..", separators at its end and, on Windows, letter
+// case. Two names of which it is the same are one place; links are not looked at, and nothing need
+// be there. A name that the system does not take stays as it is.
+String RootedName(const String& name);
+
 // Tells one file or folder from all others that exist at the time.
 struct FileIdentity {
     std::uint64_t volume = 0;

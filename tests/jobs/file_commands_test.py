@@ -33,11 +33,12 @@ class FileCommands(Scene):
     def run_edition_2(self, command, message="", **keys):
         """The same in edition 2; the message is what follows the place."""
         lines = [f"{name}={value}" for name, value in keys.items()]
-        job = "\n".join(["Globals", "Edition=2", "Step 1", "System", f"Command={command}", *lines])
+        job = "\n".join(["Globals", "Edition=2", "MessagesTo=Output", "Step 1", "System",
+                         f"Command={command}", *lines])
         ended = self.run_job(job + "\n", **self.options)
         name = keys.get("File", keys.get("From"))
-        place = f"Step 1 (job.qpr:3), system {command} '{name}': "
-        said = ended.errors.decode().replace("\r\n", "\n")
+        place = f"Step 1 (job.qpr:4), system {command} '{name}': "
+        said = ended.output.decode().replace("\r\n", "\n")
         self.assertEqual((ended.status, said), (2, f"{place}{message}\n") if message else (0, ""))
 
     def tree(self, name):
@@ -151,7 +152,7 @@ class FileCommands(Scene):
         self.write("tree/old", "old")
         self.write("tree/from/inner")
         before = self.tree("tree")
-        reason = "Invalid directory name." if WINDOWS else "Not a directory"
+        reason = "Directory name invalid." if WINDOWS else "Not a directory"
         for target in ("tree/old", "tree/none"):
             self.run_edition_2("MoveFolder", f"{reason} Move 'tree/file' to '{target}'",
                                From="tree/file", To=target)

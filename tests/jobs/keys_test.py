@@ -144,6 +144,29 @@ class Keys(Scene):
                 self.assertEqual((ended.status, said[0]), (status, output))
                 self.assertTrue(said[1].startswith(errors) and bool(errors) == bool(said[1]), said)
 
+    def test_what_a_step_makes_is_there_for_the_next(self):
+        self.write("in.csv", "a,b\n1,2\n")
+        self.write("job.qpr", """Globals
+Edition=2
+Step
+Source
+Type=TextFile
+Name=in.csv
+OnBadRow=Reject
+RejectFile=r.csv
+Target
+Type=TextFile
+Name=./o
+Settings
+Log=made.log
+""" + "".join(f"Step\nSystem\nCommand=MoveFile\nFrom={name}\nTo=./{number}\n"
+              for number, name in enumerate(("r.csv", "o", "made.log", "1", "all.log"))))
+        missing = "job.qpr:38: There is no file 'all.log', which 'From' names.\n"
+        for switches, status, said in (([], 2, missing), (["-Log=./all.log"], 0, "")):
+            ended = run(self.path, "-config=job.qpr", "-silent", "-check", *switches)
+            self.assertEqual((ended.status, ended.errors.decode().replace("\r\n", "\n")),
+                             (status, said))
+
     def test_completion_offers_switches_and_words(self):
         script = (ROOT / "completion/quillon.bash").read_text()
         for typed, offered in (("-che", "-check -check=connect"), ("-help=JSON", "JSONFile"),

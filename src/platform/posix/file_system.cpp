@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 
 #include "base/utf8.h"
 #include "platform/posix/descriptor.h"
@@ -166,6 +167,17 @@ std::unique_ptr<OutputFile> OutputFileOn(Descriptor descriptor) {
 
 bool PathExists(const String& name) {
     return !HoldsZero(name) && ::access(ToNativeBytes(name).c_str(), F_OK) == 0;
+}
+
+String RootedName(const String& name) {
+    namespace fs = std::filesystem;
+    ErrorRecord ignored;
+    const auto native = NativePath(ignored, name);
+    if (!native) return name;
+    std::error_code code;
+    const fs::path path = fs::absolute(*native, code).lexically_normal();
+    if (code) return name;
+    return FromNativeBytes((path.has_filename() ? path : path.parent_path()).native());
 }
 
 std::optional<FileIdentity> IdentityOf(const String& name) {

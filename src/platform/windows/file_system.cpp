@@ -177,6 +177,16 @@ bool PathExists(const String& name) {
     return !HoldsZero(name) && ::GetFileAttributesW(AsWide(name)) != INVALID_FILE_ATTRIBUTES;
 }
 
+String RootedName(const String& name) {
+    const DWORD size = HoldsZero(name) ? 0 : ::GetFullPathNameW(AsWide(name), 0, nullptr, nullptr);
+    if (size == 0) return name;
+    String full(size, u'\0');
+    full.resize(::GetFullPathNameW(AsWide(name), size, AsWide(full.data()), nullptr));
+    while (full.ends_with(u'\\')) full.pop_back();
+    ::CharUpperBuffW(AsWide(full.data()), static_cast<DWORD>(full.size()));
+    return full;
+}
+
 std::optional<FileIdentity> IdentityOf(const String& name) {
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     // Folders are opened with backup semantics only.
