@@ -103,12 +103,11 @@ bool DatabaseQuery::Open(String& error, const SectionSettings& settings, RowSet&
     return true;
 }
 
-// Drivers tell of the column of a table behind the result, which a join may leave without a row.
+// SQLite's driver tells of the column of a table behind the result, which a join may leave without
+// a row; those of PostgreSQL and MariaDB tell of the result.
 void DatabaseQuery::ForgetNotNull(const SectionSettings& settings, RowSet& rows) {
     const bool is_query = !settings.Text(kQuery).empty() || !settings.Text(kQueryFile).empty();
-    const sql::Dialect dialect = sql::DialectOf(database_->Product());
-    const bool by_table = dialect == sql::Dialect::SQLite || dialect == sql::Dialect::PostgreSQL;
-    if (!is_query || !by_table) return;
+    if (!is_query || sql::DialectOf(database_->Product()) != sql::Dialect::SQLite) return;
     for (ColumnDefinition& column : rows.Columns) column.Nullable = true;
 }
 
