@@ -1,12 +1,13 @@
 #include "check/job_check.h"
 
 #include <algorithm>
-#include <map>
+#include <optional>
 #include <set>
 
 #include "check/key_catalogue.h"
 #include "check/made_paths.h"
 #include "check/nearest_name.h"
+#include "check/shared_files.h"
 #include "config/job_keys.h"
 #include "config/switches.h"
 #include "core/key_values.h"
@@ -96,6 +97,8 @@ public:
         CheckGlobals();
         made_.Add(configuration_.Text(Section::CommandLine, kLogSwitch));
         for (std::size_t i = 0; i < configuration_.StepCount(); ++i) CheckStep(i);
+        NoteFilesOfRun();
+        CheckShared();
         std::stable_sort(findings_.begin(), findings_.end(), IsLess);
         return std::move(findings_);
     }
@@ -328,20 +331,65 @@ private:
         CheckValue(key, *element);
         if (configuration_.ReplacesMacros(key)) CheckMacros(section, key, *element);
         CheckPath(section, owner, key, *element, index);
-        if (key.names == Names::FileAside) CheckAside(section, owner, key, *element);
+        NoteFile(section, owner, key, *element);
     }
 
-    // Two that set rows aside in one file would replace each other's.
-    void CheckAside(Section section, const KeyOwner& owner, const KeySpec& key,
-                    const Element& element) {
+    // Notes what a value names, for what must have a file of its own. Names that change with the
+    // rows cannot be compared.
+    void NoteFile(Section section, const KeyOwner& owner, const KeySpec& key,
+                  const Element& element) {
+        const auto use = UseOf(section, key);
         const String path = ValueOf(key, element);
-        if (!SetsAside(section, owner) || !FindMacro(path).empty()) return;
-        const String whose =
-            Format(u"the %s of step %u", NameOf(section), configuration_.CurrentStep() + 1);
-        const auto [first, is_new] = aside_.emplace(path, whose);
-        if (is_new) return;
-        Add(element.place, configuration_.Follows(Rule::FilesMadeOnce),
-            Format(u"The %s '%s' is that of %s, too.", key.name, path, first->second));
+        if (!use || !FindMacro(path).empty() || IsStandardStream(section, owner, path)) return;
+        if (*use == SharedFiles::Use::Reject && !SetsAside(section, owner)) return;
+        if (*use == SharedFiles::Use::Log && HasLogForAll()) return;
+        shared_.Add({*use, configuration_.CurrentStep() + 1, String(key.name),
+                     String(NameOf(section)), path, element.place});
+    }
+
+    // Nothing for what the files of a System step are: those may come and go.
+    static std::optional<SharedFiles::Use> UseOf(Section section, const KeySpec& key) {
+        using Use = SharedFiles::Use;
+        if (section == Section::Settings) {
+            return key.names == Names::File ? std::optional(Use::Log) : std::nullopt;
+        }
+        if (section != Section::Source && section != Section::Target) return std::nullopt;
+        if (key.names == Names::FileAside) return Use::Reject;
+        if (key.names == Names::FileRead) return Use::Read;
+        return key.names == Names::File ? std::optional(Use::Target) : std::nullopt;
+    }
+
+    bool HasLogForAll() const {
+        return !configuration_.Text(Section::CommandLine, kLogSwitch).empty();
+    }
+
+    // What belongs to no step. A log for all steps is that of each.
+    void NoteFilesOfRun() {
+        using Use = SharedFiles::Use;
+        const std::vector<String>& files = configuration_.TheJob().files;
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            shared_.Add({Use::Job, 0, i == 0 ? u"job file" : u"included file", {}, files[i], {}});
+        }
+        const String log = configuration_.Text(Section::CommandLine, kLogSwitch);
+        for (std::size_t i = 0; i < configuration_.StepCount(); ++i) {
+            shared_.Add({Use::Log, i + 1, u"log", {}, log, {}});
+        }
+        shared_.Add({Use::Report,
+                     0,
+                     u"report",
+                     {},
+                     configuration_.Text(Section::CommandLine, kReportSwitch),
+                     {}});
+    }
+
+    void CheckShared() {
+        for (SharedFiles::Clash& clash : shared_.Clashes()) {
+            const bool refused = configuration_.Follows(Rule::FilesMadeOnce);
+            Add(clash.place, refused, std::move(clash.text));
+            if (clash.use == SharedFiles::Use::Report && (refused || whole_)) {
+                findings_.back().of_report = true;
+            }
+        }
     }
 
     bool SetsAside(Section section, const KeyOwner& owner) const {
@@ -474,7 +522,7 @@ private:
     const KeyOwner* source_ = nullptr;
     const KeyOwner* target_ = nullptr;
     MadePaths made_;
-    std::map<String, String> aside_;  // files of rows set aside, and whose they are
+    SharedFiles shared_;
     std::vector<Finding> findings_;
 };
 

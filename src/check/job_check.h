@@ -11,6 +11,7 @@ struct Finding {
     Place place;  // line 0: on the command line, or nowhere in particular
     bool error;   // false: a warning; the job runs in spite of it
     String text;
+    bool of_report = false;  // the file of the report is another one of the job's
 };
 
 // How deep a check goes.
@@ -29,7 +30,7 @@ enum class CheckDepth {
 // "Incorrect type for source '%s'." and what the factories say besides
 // "The macro '%s' in '%s' is not known."
 // "'%s' is missing in %s."
-// "The RejectFile '%s' is that of the %s of step %u, too."
+// "The RejectFile '%s' is that of the %s of step %u, too." and the like, see SharedFiles
 // "There is no file '%s', which '%s' names." and the like
 std::vector<Finding> CheckJob(Configuration& configuration, CheckDepth depth);
 

@@ -138,9 +138,18 @@ void Manager::TakeNotice(StringView text, NoticeStream stream) {
     }
 }
 
-bool Manager::WriteReport(const Configuration& configuration, bool succeeded, const String& error) {
+// Whether the report of a run that was refused would replace a file of the job. Only a job that has
+// been read tells all of them.
+bool Manager::TakesFileOfJob(Configuration& configuration, const String& report) const {
+    if (!configuration.Follows(Rule::FilesMadeOnce)) return false;
+    if (platform::RootedName(report) == platform::RootedName(job_path_)) return true;
+    const std::vector<Finding> findings = CheckJob(configuration, CheckDepth::Refusals);
+    return std::ranges::any_of(findings, &Finding::of_report);
+}
+
+bool Manager::WriteReport(Configuration& configuration, bool succeeded, const String& error) {
     const String path = configuration.Text(Section::CommandLine, kReportSwitch);
-    if (path.empty()) return true;
+    if (path.empty() || (!succeeded && TakesFileOfJob(configuration, path))) return true;
     String failure;
     if (report_.Write(failure, path, mask_, StatusOf(succeeded), error, clock_.UtcNow())) {
         return true;

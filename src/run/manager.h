@@ -52,7 +52,8 @@ private:
     void WriteBanner();
     void GiveOutputToData(Configuration& configuration);
     bool RunJob(String& error, Configuration& configuration);
-    bool WriteReport(const Configuration& configuration, bool succeeded, const String& error);
+    bool TakesFileOfJob(Configuration& configuration, const String& report) const;
+    bool WriteReport(Configuration& configuration, bool succeeded, const String& error);
     void TakeNotice(StringView text, NoticeStream stream);
     bool LoadJob(String& error, Configuration& configuration, const String& path);
     bool ExamineCommandLine(String& error, Configuration& configuration);

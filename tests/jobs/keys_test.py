@@ -144,6 +144,56 @@ class Keys(Scene):
                 self.assertEqual((ended.status, said[0]), (status, output))
                 self.assertTrue(said[1].startswith(errors) and bool(errors) == bool(said[1]), said)
 
+    def test_files_of_several_uses_are_refused_and_left_alone(self):
+        data = "a,b\n1,2\n"
+        reject = "OnBadRow=Reject\nRejectFile={}\n"
+        step = "Step\nSource\nType=TextFile\nName=in.csv\n{}Target\nType=TextFile\nName={}\n{}"
+        good = step.format("", "o", "")
+        load = (step.format("", "o", reject).replace("Type=TextFile\nName=o", "Type=DatabaseTable\n"
+                                                     "DSN=x\nTable=t"))
+        for job, switches, said in (
+                (step.format(reject.format("o"), "./o", ""), [],
+                 "job.qpr:8: The RejectFile 'o' is the Name of the Target of step 1, too."),
+                (step.format(reject.format("./x/../job.qpr"), "o", ""), [],
+                 "job.qpr:8: The RejectFile './x/../job.qpr' is the job file, too."),
+                (step.format(reject.format("r"), "o", "") +
+                 step.format(reject.format("./r"), "p", ""), [],
+                 "job.qpr:17: The RejectFile './r' is that of the Source of step 1, too."),
+                (load.format("in.csv"), [],
+                 "job.qpr:12: The RejectFile 'in.csv' is the Name of the Source of step 1, too."),
+                (step.format(reject.format("r"), "o", "Settings\nLog=./r\n"), [],
+                 "job.qpr:8: The RejectFile 'r' is the Log of the Settings of step 1, too."),
+                (step.format("", "o", "Settings\nLog=o\n"), [],
+                 "job.qpr:11: The Log 'o' is the Name of the Target of step 1, too."),
+                (step.format("", "job.qpr", ""), [],
+                 "job.qpr:9: The Name 'job.qpr' is the job file, too."),
+                (step.format(reject.format("r"), "o", ""), ["-report=./r"],
+                 "The report './r' is the RejectFile of the Source of step 1, too."),
+                (good, ["-report=in.csv"],
+                 "The report 'in.csv' is the Name of the Source of step 1, too."),
+                (good, ["-report=o"],
+                 "The report 'o' is the Name of the Target of step 1, too."),
+                (good, ["-report=job.qpr"], "The report 'job.qpr' is the job file, too."),
+                (good, ["-report=l", "-Log=l"], "The report 'l' is the log, too."),
+                # Other mistakes come first; the files stay all the same.
+                (good, ["-report=in.csv", "-nonsense"], "'-nonsense' is not a switch."),
+                ("Nonsense\n" + good, ["-report=job.qpr"],
+                 "job.qpr:3: Incorrect configuration file item: 'Nonsense'. name=value format "
+                 "expected. Line 3."),
+                # A later step may read what an earlier one has written.
+                (step.format(reject.format("r"), "o", "Settings\nLog=l\n") +
+                 good.replace("in.csv", "r").replace("=o", "=p") +
+                 good.replace("in.csv", "l").replace("=o", "=q"), ["-check"], "")):
+            with self.subTest(job=job, switches=switches):
+                job = "Globals\nEdition=2\n" + job
+                for name, text in (("in.csv", data), ("job.qpr", job)):
+                    self.write(name, text)
+                ended = run(self.path, "-config=job.qpr", "-silent", *switches)
+                first = ended.errors.decode().replace("\r\n", "\n").split("\n")[0]
+                self.assertEqual((ended.status != 0, first.split(" Did you")[0]), (bool(said), said))
+                left = {path.name: path.read_text() for path in self.path.iterdir()}
+                self.assertEqual(left, {"in.csv": data, "job.qpr": job})
+
     def test_what_a_step_makes_is_there_for_the_next(self):
         self.write("in.csv", "a,b\n1,2\n")
         self.write("job.qpr", """Globals
@@ -161,7 +211,7 @@ Settings
 Log=made.log
 """ + "".join(f"Step\nSystem\nCommand=MoveFile\nFrom={name}\nTo=./{number}\n"
               for number, name in enumerate(("r.csv", "o", "made.log", "1", "all.log"))))
-        missing = "job.qpr:38: There is no file 'all.log', which 'From' names.\n"
+        missing = "job.qpr:37: There is no file 'all.log', which 'From' names.\n"
         for switches, status, said in (([], 2, missing), (["-Log=./all.log"], 0, "")):
             ended = run(self.path, "-config=job.qpr", "-silent", "-check", *switches)
             self.assertEqual((ended.status, ended.errors.decode().replace("\r\n", "\n")),
