@@ -23,8 +23,8 @@ bool SharedFiles::Exclude(const Named& one, const Named& other) {
     switch (one.use) {
         case Use::Report:
             return true;
-        case Use::Reject:  // that of a source and its own file is told of by the source, by any
-                           // name
+        case Use::Reject:
+            // A source tells itself that its rejects would go into its own file.
             return other.use != Use::Read ||
                    (one.step == other.step && one.section != other.section);
         case Use::Log:

@@ -23,6 +23,16 @@ void TellUnwritable(ErrorRecord& error) {
     error.text.insert(0, u"Could not open file for writing: ");
 }
 
+namespace {
+
+bool FindEnd(ErrorRecord& error, platform::OutputFile& file, std::uint64_t& position) {
+    if (file.SeekEnd(error, position)) return true;
+    TellUnwritable(error);
+    return false;
+}
+
+}  // namespace
+
 bool TextWriter::Open(ErrorRecord& error, const String& name, const TextForm& form, bool append) {
     output_.reset();  // it may be the same file
     if (!KnowsEncoding(error, form.encoding)) return false;
@@ -47,15 +57,16 @@ bool TextWriter::Begin(ErrorRecord& error, const String& name,
         if (!keeps && !MakeEncoder(error, form, {own})) return false;
     }
     std::uint64_t position = 0;
-    if (behind_content && !output_->SeekEnd(error, position)) {
-        TellUnwritable(error);
+    if (behind_content && !FindEnd(error, *output_, position)) {
         output_.reset();
         return false;
     }
     const bool bare = form.keeps_encoding && position == ByteOrderMarkOf(own).size();
     began_empty_ = position == 0 || bare;
     if (position == 0 && form.marked) WriteByteOrderMark();
-    return began_empty_ || form.line_end.empty() || GoBehind(error, form, position);
+    if (began_empty_ || form.line_end.empty() || GoBehind(error, form, position)) return true;
+    output_.reset();
+    return false;
 }
 
 // What is added begins a line. position: the end of the file
@@ -64,7 +75,7 @@ bool TextWriter::GoBehind(ErrorRecord& error, const TextForm& form, std::uint64_
     for (const StringView unit : {u"\n", u"\r"}) {
         if (!ends && !EndsWith(error, unit, position, ends)) return false;
     }
-    return output_->SeekEnd(error, position) && (ends || Write(error, form.line_end));
+    return FindEnd(error, *output_, position) && (ends || Write(error, form.line_end));
 }
 
 bool TextWriter::EndsWith(ErrorRecord& error, StringView text, std::uint64_t position, bool& ends) {
@@ -73,7 +84,10 @@ bool TextWriter::EndsWith(ErrorRecord& error, StringView text, std::uint64_t pos
     std::vector<std::byte> last(wanted.size());
     if (last.size() > position) return true;
     std::size_t count = 0;
-    if (!output_->ReadAt(error, position - last.size(), last, count)) return false;
+    if (!output_->ReadAt(error, position - last.size(), last, count)) {
+        TellUnwritable(error);
+        return false;
+    }
     ends = std::ranges::equal(last, wanted);
     return true;
 }

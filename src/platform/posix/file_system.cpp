@@ -90,8 +90,10 @@ public:
 
     bool ReadAt(ErrorRecord& error, std::uint64_t position, std::span<std::byte> bytes,
                 std::size_t& count) override {
-        const ssize_t got =
-            ::pread(descriptor_.Get(), bytes.data(), bytes.size(), static_cast<off_t>(position));
+        const ssize_t got = Uninterrupted([&] {
+            return ::pread(descriptor_.Get(), bytes.data(), bytes.size(),
+                           static_cast<off_t>(position));
+        });
         if (got < 0) {
             error = SystemError();
             return false;
